@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: MIT
+// Strong numbered references. A maker refers to targets by index; a target knows its dependents. An object that loses
+// its last dependent goes, unless a `Ref` (an undo record, a local) holds it. Messages travel from a target up through
+// its dependents, each link once a send.
+#pragma once
+
+#include <functional>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "host/core/animatable.h"
+#include "host/core/chunks.h"
+#include "host/core/messages.h"
+
+namespace corvanta {
+
+class ReferenceTarget;
+class RefTargMonitor;
+class RemapDir;
+class CustAttribContainer;
+class INode;
+
+/// One change on its way: the same message keeps its number through all levels.
+struct RefNotice {
+  Interval interval = FOREVER;
+  PartID part = PART_ALL;
+  RefMessage message = REFMSG_CHANGE;
+  SClass_ID superClass = kAnySuper;
+  bool propagate = true;
+  /// Who started the message.
+  ReferenceTarget* origin = nullptr;
+  void* option = nullptr;
+  uint32_t number = 0;
+};
+
+class ReferenceMaker : public Animatable {
+ public:
+  /// Index of the hidden reference to the custom attribute container.
+  static constexpr int kCustAttribRef = -1;
+
+  virtual int NumRefs() const { return 0; }
+  /// Null beyond the last reference.
+  virtual ReferenceTarget* GetReference(int which) const { return nullptr; }
+
+  /// The only way to bind reference `which`: drops the old link, adds the new one, records undo while holding, and
+  /// refuses a target that depends on this maker (REF_FAIL, nothing changed). A target that loses its last dependent is
+  /// deleted when `delOld` is on and nothing holds it. Undoable.
+  RefResult ReplaceReference(int which, ReferenceTarget* target, bool delOld = true);
+  /// Drops every reference. Called before destruction while the virtual calls still work.
+  void DeleteAllRefs();
+
+  /// A message from a reference. `target` is the reference that sent it on; `part` may be rewritten for the next level.
+  virtual RefResult NotifyRefChanged(const Interval& interval, ReferenceTarget* target, PartID& part,
+                                     RefMessage message, bool propagate) {
+    return REF_SUCCEED;
+  }
+
+  /// First reference index at or after `from` that holds `target`; -2 when none does.
+  virtual int FindReference(const ReferenceTarget* target, int from = kCustAttribRef) const;
+  static constexpr int kNotFound = -2;
+
+  /// This maker as a target, when it is one.
+  virtual ReferenceTarget* AsTarget() { return nullptr; }
+
+ protected:
+  friend class ReferenceTarget;
+  friend class ReferenceRestore;
+  /// Stores the pointer, nothing else. Must bear any index on load.
+  virtual void SetReference(int which, ReferenceTarget* target) {}
+  /// Binds without undo and without the loop test.
+  void BindReference(int which, ReferenceTarget* target, bool delOld = true);
+  /// Link bookkeeping for classes that store their targets themselves.
+  void AddLink(ReferenceTarget* target);
+  void DropLink(ReferenceTarget* target, bool delOld = true);
+  ReferenceTarget* ReferenceAt(int which) const;
+  void StoreReference(int which, ReferenceTarget* target);
+
+  CustAttribContainer* custAttribs_ = nullptr;
+};
+
+class ReferenceTarget : public ReferenceMaker {
+ public:
+  ReferenceTarget() = default;
+  ~ReferenceTarget() override;
+
+  ReferenceTarget* AsTarget() override { return this; }
+  /// This target as a scene node, when it is one.
+  virtual INode* AsNode() { return nullptr; }
+  virtual Control* AsControl() { return nullptr; }
+
+  /// Tells every dependent that something changed. Sends nothing while the object is dormant or messages are off.
+  void NotifyDependents(const Interval& interval = FOREVER, PartID part = PART_ALL, RefMessage message = REFMSG_CHANGE,
+                        SClass_ID superClass = kAnySuper, bool propagate = true, ReferenceTarget* origin = nullptr,
+                        void* option = nullptr);
+  /// Sends `notice` on to this target's dependents as part of the same message.
+  void Propagate(RefNotice notice);
+  /// The message that is being delivered, null outside of a delivery.
+  static const RefNotice* CurrentNotice();
+
+  /// Distinct makers in the order of their first binding.
+  std::vector<ReferenceMaker*> Dependents() const;
+  bool HasDependents() const { return !dependents_.empty(); }
+  /// First dependent for which `test` holds, without allocating; null when none.
+  template <class Test>
+  ReferenceMaker* FindDependent(Test&& test) const {
+    for (const Dependent& d : dependents_)
+      if (d.maker && test(d.maker)) return d.maker;
+    return nullptr;
+  }
+  /// Would `maker` referring to this target close a loop?
+  bool TestForLoop(ReferenceMaker* maker) const;
+
+  /// A clone: a new object of the class, its plain state copied, its references cloned through `remap`.
+  virtual ReferenceTarget* Clone(RemapDir& remap);
+  /// Copies what lies outside references: values, keys, flags, lock. `remap` for post-patching weak links.
+  virtual void CopyStateFrom(ReferenceTarget& source, RemapDir& remap) {}
+
+  /// State outside references and parameter blocks. Load runs before references are bound.
+  virtual IOResult Save(ISave& save) { return IOResult::OK; }
+  virtual IOResult Load(ILoad& load) { return IOResult::OK; }
+  /// After a whole scene is loaded: rebuild caches.
+  virtual void PostLoad() {}
+
+  CustAttribContainer* GetCustAttribContainer() const { return custAttribs_; }
+  /// The container, made when there is none.
+  CustAttribContainer* MakeCustAttribContainer();
+
+  /// Deletes the object unless it has dependents or is held: for what was never bound.
+  void MaybeDelete();
+
+ protected:
+  /// A maker has bound or dropped this target.
+  virtual void LinkAdded(ReferenceMaker* maker) {}
+  virtual void LinkDropped(ReferenceMaker* maker) {}
+  /// The last dependent has gone and the object may go. Scene nodes answer false: the scene owns them.
+  virtual bool DiesWithLastDependent() const { return true; }
+
+ private:
+  friend class ReferenceMaker;
+  friend class RefTargMonitor;
+  friend class RefBase;
+  struct Dependent {
+    ReferenceMaker* maker;
+    uint32_t count;
+    uint32_t heard;
+  };
+  void AddDependent(ReferenceMaker* maker);
+  void DropDependent(ReferenceMaker* maker, bool deleteIfLast);
+  void Deliver(const RefNotice& notice);
+
+  std::vector<Dependent> dependents_;
+  std::vector<RefTargMonitor*> monitors_;
+  int keepAlive_ = 0;
+  int delivering_ = 0;
+};
+
+/// Sends nothing anywhere while at least one DisableRefMsgs is open; nothing is replayed afterwards.
+void DisableRefMsgs();
+void EnableRefMsgs();
+bool RefMsgsEnabled();
+
+/// Counting part of `Ref`.
+class RefBase {
+ protected:
+  static void Hold(ReferenceTarget* target) {
+    if (target) ++target->keepAlive_;
+  }
+  static void Release(ReferenceTarget* target);
+};
+
+/// Keeps a target alive without being its dependent. A new object goes straight into one.
+template <class T>
+class Ref : private RefBase {
+ public:
+  Ref() = default;
+  Ref(T* p) : p_(p) { Hold(p_); }  // NOLINT: implicit on purpose
+  Ref(const Ref& r) : p_(r.p_) { Hold(p_); }
+  Ref(Ref&& r) noexcept : p_(std::exchange(r.p_, nullptr)) {}
+  template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
+  Ref(const Ref<U>& r) : p_(r.Get()) {
+    Hold(p_);
+  }
+  ~Ref() { Release(p_); }
+  Ref& operator=(Ref r) noexcept {
+    std::swap(p_, r.p_);
+    return *this;
+  }
+  T* Get() const { return p_; }
+  T* operator->() const { return p_; }
+  T& operator*() const { return *p_; }
+  explicit operator bool() const { return p_ != nullptr; }
+  bool operator==(const Ref&) const = default;
+
+ private:
+  T* p_ = nullptr;
+};
+
+}  // namespace corvanta

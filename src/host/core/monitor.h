@@ -31,6 +31,7 @@ class RefTargMonitor {
   friend class ReferenceTarget;
   MonitorClient* client_;
   ReferenceTarget* target_ = nullptr;
+  uint32_t heard_ = 0;
 };
 
 }  // namespace corvanta

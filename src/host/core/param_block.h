@@ -3,6 +3,7 @@
 // controller when the parameter is animated.
 #pragma once
 
+#include <memory>
 #include <utility>
 
 #include "host/core/control.h"
@@ -175,6 +176,11 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
     Cell() : m{} {}
   };
 
+  struct TabCells {
+    std::vector<Cell> cells;
+    uint32_t stamp = 0;
+  };
+
   const Cell* Find(ParamID id, int tab) const {
     const int index = desc_->IDtoIndex(id);
     if (index < 0) return nullptr;
@@ -197,6 +203,7 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   bool WriteThroughController(int index, int tab, Cell& cell, TimeValue t, ValueRef value);
   bool StoreTarget(int index, int tab, ReferenceTarget* target);
   void ResizeTab(int index, int count);
+  void RetagTab(int index);
   RefPlace PlaceOf(int which) const;
   template <class F>
   bool ForEachCell(F&& f) const;
@@ -204,7 +211,7 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
 
   const ParamBlockDesc2* desc_;
   std::vector<Cell> cells_;
-  std::vector<std::unique_ptr<std::vector<Cell>>> tabs_;
+  std::vector<std::unique_ptr<TabCells>> tabs_;
   ReferenceTarget* owner_ = nullptr;
   std::pair<ParamID, int> lastChanged_{-1, 0};
   int silent_ = 0;

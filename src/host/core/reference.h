@@ -128,6 +128,8 @@ class ReferenceTarget : public ReferenceMaker {
 
   /// Deletes the object unless it has dependents or is held: for what was never bound.
   void MaybeDelete();
+  /// Tells every dependent that the target goes (message 32) and takes it out of all their references.
+  void UnlinkDependents();
 
  protected:
   /// A maker has bound or dropped this target.
@@ -135,6 +137,8 @@ class ReferenceTarget : public ReferenceMaker {
   virtual void LinkDropped(ReferenceMaker* maker) {}
   /// The last dependent has gone and the object may go. Scene nodes answer false: the scene owns them.
   virtual bool DiesWithLastDependent() const { return true; }
+  /// Binds clones of this object's references into `clone`, index by index.
+  void CloneReferencesInto(ReferenceTarget& clone, RemapDir& remap);
 
  private:
   friend class ReferenceMaker;
@@ -153,6 +157,7 @@ class ReferenceTarget : public ReferenceMaker {
   std::vector<RefTargMonitor*> monitors_;
   int keepAlive_ = 0;
   int delivering_ = 0;
+  mutable uint32_t loopWalk_ = 0;
 };
 
 /// Sends nothing anywhere while at least one DisableRefMsgs is open; nothing is replayed afterwards.

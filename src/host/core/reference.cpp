@@ -1,0 +1,289 @@
+// SPDX-License-Identifier: MIT
+#include "host/core/reference.h"
+
+#include <algorithm>
+#include <cassert>
+
+#include "host/core/class_desc.h"
+#include "host/core/cust_attrib.h"
+#include "host/core/hold.h"
+#include "host/core/monitor.h"
+#include "host/core/remap.h"
+
+namespace corvanta {
+
+namespace {
+
+int messagesOff = 0;
+uint32_t lastNotice = 0;
+int openSends = 0;
+const RefNotice* currentNotice = nullptr;
+
+// A handler may send messages of its own while one is delivered; handlers that answer one another for ever end here.
+constexpr int kMaxNestedSends = 200;
+
+}  // namespace
+
+void DisableRefMsgs() { ++messagesOff; }
+void EnableRefMsgs() { messagesOff = std::max(0, messagesOff - 1); }
+bool RefMsgsEnabled() { return messagesOff == 0; }
+
+/// Undo of one bound reference.
+class ReferenceRestore final : public RestoreObj {
+ public:
+  ReferenceRestore(ReferenceTarget* maker, int which, ReferenceTarget* before, ReferenceTarget* after)
+      : maker_(maker), which_(which), before_(before), after_(after) {}
+  void Restore(bool) override { Put(before_.Get()); }
+  void Redo() override { Put(after_.Get()); }
+
+ private:
+  void Put(ReferenceTarget* target) {
+    maker_->BindReference(which_, target);
+    maker_->NotifyDependents();
+  }
+  Ref<ReferenceTarget> maker_;
+  int which_;
+  Ref<ReferenceTarget> before_, after_;
+};
+
+// --- ReferenceMaker
+// ---------------------------------------------------------------------------------------------------
+
+ReferenceTarget* ReferenceMaker::ReferenceAt(int which) const {
+  return which == kCustAttribRef ? custAttribs_ : GetReference(which);
+}
+
+void ReferenceMaker::StoreReference(int which, ReferenceTarget* target) {
+  if (which == kCustAttribRef)
+    custAttribs_ = static_cast<CustAttribContainer*>(target);
+  else
+    SetReference(which, target);
+}
+
+RefResult ReferenceMaker::ReplaceReference(int which, ReferenceTarget* target, bool delOld) {
+  ReferenceTarget* old = ReferenceAt(which);
+  if (old == target) return REF_SUCCEED;
+  if (target && target->TestForLoop(this)) return REF_FAIL;
+  if (theHold.Holding())
+    if (ReferenceTarget* self = AsTarget()) theHold.Put(std::make_unique<ReferenceRestore>(self, which, old, target));
+  BindReference(which, target, delOld);
+  return REF_SUCCEED;
+}
+
+void ReferenceMaker::BindReference(int which, ReferenceTarget* target, bool delOld) {
+  const Ref<ReferenceTarget> keep(target);
+  ReferenceTarget* old = ReferenceAt(which);
+  if (old == target) return;
+  StoreReference(which, target);
+  if (target) AddLink(target);
+  if (old) DropLink(old, delOld);
+}
+
+void ReferenceMaker::AddLink(ReferenceTarget* target) { target->AddDependent(this); }
+void ReferenceMaker::DropLink(ReferenceTarget* target, bool delOld) { target->DropDependent(this, delOld); }
+
+void ReferenceMaker::DeleteAllRefs() {
+  for (int i = NumRefs() - 1; i >= kCustAttribRef; --i) BindReference(i, nullptr);
+}
+
+int ReferenceMaker::FindReference(const ReferenceTarget* target, int from) const {
+  for (int i = from; i < NumRefs(); ++i)
+    if (ReferenceAt(i) == target) return i;
+  return kNotFound;
+}
+
+// --- ReferenceTarget
+// --------------------------------------------------------------------------------------------------
+
+ReferenceTarget::~ReferenceTarget() {
+  assert(dependents_.empty() && "an object is destroyed while something refers to it");
+  for (RefTargMonitor* monitor : monitors_) monitor->target_ = nullptr;
+}
+
+void ReferenceTarget::AddDependent(ReferenceMaker* maker) {
+  ClearFlag(A_DORMANT);
+  const auto found =
+      std::find_if(dependents_.begin(), dependents_.end(), [maker](const Dependent& d) { return d.maker == maker; });
+  if (found != dependents_.end()) {
+    ++found->count;
+  } else {
+    dependents_.push_back({maker, 1, 0});
+    LinkAdded(maker);
+  }
+}
+
+void ReferenceTarget::DropDependent(ReferenceMaker* maker, bool deleteIfLast) {
+  const auto found =
+      std::find_if(dependents_.begin(), dependents_.end(), [maker](const Dependent& d) { return d.maker == maker; });
+  if (found == dependents_.end() || --found->count > 0) return;
+  // While a message goes round, places in the list must stay: the entry is only emptied.
+  if (delivering_ > 0)
+    found->maker = nullptr;
+  else
+    dependents_.erase(found);
+  LinkDropped(maker);
+  if (FindDependent([](ReferenceMaker*) { return true; })) return;
+  if (keepAlive_ > 0) {
+    if (DiesWithLastDependent()) SetFlag(A_DORMANT);
+  } else if (deleteIfLast) {
+    MaybeDelete();
+  }
+}
+
+void ReferenceTarget::MaybeDelete() {
+  if (keepAlive_ > 0 || delivering_ > 0 || !dependents_.empty()) return;
+  ++keepAlive_;  // nothing that happens while the references go may come back here
+  DeleteAllRefs();
+  delete this;
+}
+
+void RefBase::Release(ReferenceTarget* target) {
+  if (target && --target->keepAlive_ == 0) target->MaybeDelete();
+}
+
+std::vector<ReferenceMaker*> ReferenceTarget::Dependents() const {
+  std::vector<ReferenceMaker*> makers;
+  for (const Dependent& d : dependents_)
+    if (d.maker) makers.push_back(d.maker);
+  return makers;
+}
+
+// Walks up from the maker: there are few objects above a maker, and many below a target.
+bool ReferenceTarget::TestForLoop(ReferenceMaker* maker) const {
+  const ReferenceTarget* start = maker->AsTarget();
+  if (!start) return false;
+  if (start == this) return true;
+  if (NumRefs() == 0 && !custAttribs_) return false;
+  static uint32_t walk = 0;
+  ++walk;
+  std::vector<const ReferenceTarget*> open{start};
+  while (!open.empty()) {
+    const ReferenceTarget* target = open.back();
+    open.pop_back();
+    if (target == this) return true;
+    for (const Dependent& d : target->dependents_) {
+      ReferenceTarget* up = d.maker ? d.maker->AsTarget() : nullptr;
+      if (!up || up->loopWalk_ == walk) continue;
+      up->loopWalk_ = walk;
+      open.push_back(up);
+    }
+  }
+  return false;
+}
+
+void ReferenceTarget::NotifyDependents(const Interval& interval, PartID part, RefMessage message, SClass_ID superClass,
+                                       bool propagate, ReferenceTarget* origin, void* option) {
+  if (messagesOff > 0 || TestFlag(A_DORMANT) || (dependents_.empty() && monitors_.empty())) return;
+  if (openSends >= kMaxNestedSends) return;
+  ++openSends;
+  Deliver({interval, part, message, superClass, propagate, origin ? origin : this, option, ++lastNotice});
+  --openSends;
+}
+
+void ReferenceTarget::Propagate(RefNotice notice) {
+  if (messagesOff > 0 || TestFlag(A_DORMANT)) return;
+  Deliver(notice);
+}
+
+const RefNotice* ReferenceTarget::CurrentNotice() { return currentNotice; }
+
+void ReferenceTarget::Deliver(const RefNotice& notice) {
+  const Ref<ReferenceTarget> keep(this);
+  const RefNotice* outer = std::exchange(currentNotice, &notice);
+  ++delivering_;
+  const size_t count = dependents_.size();
+  for (size_t i = 0; i < count; ++i) {
+    ReferenceMaker* maker = dependents_[i].maker;
+    if (!maker || dependents_[i].heard == notice.number) continue;
+    if (notice.superClass != kAnySuper && maker->SuperClassID() != notice.superClass) continue;
+    dependents_[i].heard = notice.number;
+    const Ref<ReferenceTarget> up(maker->AsTarget());
+    PartID part = notice.part;
+    const RefResult answer = maker->NotifyRefChanged(notice.interval, this, part, notice.message, notice.propagate);
+    if (answer == REF_STOP || !notice.propagate || !up) continue;
+    RefNotice next = notice;
+    next.part = part;
+    if (!up->TestFlag(A_DORMANT)) up->Deliver(next);
+  }
+  for (size_t i = 0; i < monitors_.size(); ++i) {
+    RefTargMonitor* monitor = monitors_[i];
+    if (monitor->heard_ == notice.number || !monitor->client_) continue;
+    monitor->heard_ = notice.number;
+    monitor->client_->MonitoredNotice(*monitor, notice);
+  }
+  if (--delivering_ == 0) std::erase_if(dependents_, [](const Dependent& d) { return !d.maker; });
+  currentNotice = outer;
+}
+
+void ReferenceTarget::UnlinkDependents() {
+  const Ref<ReferenceTarget> keep(this);
+  const RefNotice notice{FOREVER, PART_ALL, REFMSG_TARGET_DELETED, kAnySuper, false, this, nullptr, ++lastNotice};
+  if (RefMsgsEnabled()) Deliver(notice);
+  for (ReferenceMaker* maker : Dependents()) {
+    for (int which; (which = maker->FindReference(this)) != kNotFound;) maker->BindReference(which, nullptr, false);
+    if (ReferenceTarget* target = maker->AsTarget()) target->NotifyDependents();
+  }
+}
+
+ReferenceTarget* ReferenceTarget::Clone(RemapDir& remap) {
+  const ClassDesc* desc = ClassDirectory::Get().Find(SuperClassID(), ClassID());
+  ReferenceTarget* clone = desc ? desc->Create(true) : nullptr;
+  if (!clone) return nullptr;
+  remap.AddEntry(this, clone);
+  clone->CopyStateFrom(*this, remap);
+  CloneReferencesInto(*clone, remap);
+  return clone;
+}
+
+void ReferenceTarget::CloneReferencesInto(ReferenceTarget& clone, RemapDir& remap) {
+  for (int i = kCustAttribRef; i < NumRefs(); ++i) {
+    ReferenceTarget* source = ReferenceAt(i);
+    if (source) clone.BindReference(i, remap.CloneRef(source));
+  }
+}
+
+CustAttribContainer* ReferenceTarget::MakeCustAttribContainer() {
+  if (!custAttribs_) ReplaceReference(kCustAttribRef, new CustAttribContainer);
+  return custAttribs_;
+}
+
+// --- monitors
+// ---------------------------------------------------------------------------------------------------------
+
+void RefTargMonitor::SetTarget(ReferenceTarget* target) {
+  if (target_ == target) return;
+  if (target_) std::erase(target_->monitors_, this);
+  target_ = target;
+  if (target_) target_->monitors_.push_back(this);
+}
+
+// --- cloning
+// ----------------------------------------------------------------------------------------------------------
+
+ReferenceTarget* RemapDir::Find(ReferenceTarget* source) const {
+  const auto found = map_.find(source);
+  return found == map_.end() ? nullptr : found->second;
+}
+
+ReferenceTarget* RemapDir::CloneRef(ReferenceTarget* source) {
+  if (!source) return nullptr;
+  if (ReferenceTarget* clone = Find(source)) return clone;
+  if (source->AsNode()) return source;
+  ReferenceTarget* clone = source->Clone(*this);
+  if (clone) AddEntry(source, clone);
+  return clone;
+}
+
+void RemapDir::Backpatch() {
+  for (size_t i = 0; i < procs_.size(); ++i) procs_[i](*this);
+  procs_.clear();
+}
+
+ReferenceTarget* CloneRefHierarchy(ReferenceTarget* source) {
+  RemapDir remap;
+  ReferenceTarget* clone = remap.CloneRef(source);
+  remap.Backpatch();
+  return clone;
+}
+
+}  // namespace corvanta

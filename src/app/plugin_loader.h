@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+// Loads a plug-in library by its seven exports, as the host does at its start.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace corvanta {
+class ClassDesc2;
+}
+
+namespace app {
+
+/// The host release and API for which a library must have been built: the answer of its LibVersion.
+inline constexpr unsigned long kHostVersion = 0x5DC03C00;
+
+/// A loaded library. It stays loaded until the process ends, since scene objects hold its code.
+class PluginLibrary {
+ public:
+  /// Opens the library and asks for its name and its classes. On failure the result is not loaded and `Problem` tells
+  /// the file and what is wrong with it: missing, not loadable, an export missing, built for another host.
+  static PluginLibrary Load(const std::filesystem::path& file);
+
+  /// Tavrilon.dlc beside the running executable.
+  static std::filesystem::path DefaultPath();
+
+  bool IsLoaded() const { return problem_.empty(); }
+  const std::string& Problem() const { return problem_; }
+  const std::wstring& Description() const { return description_; }
+  const std::vector<corvanta::ClassDesc2*>& Classes() const { return classes_; }
+
+  /// LibInitialize and LibShutdown; false when the library says no. Register the classes before the first.
+  bool Initialize() const { return initialize_ != nullptr && initialize_() != 0; }
+  bool Shutdown() const { return shutdown_ != nullptr && shutdown_() != 0; }
+
+ private:
+  std::string problem_;
+  std::wstring description_;
+  std::vector<corvanta::ClassDesc2*> classes_;
+  int (*initialize_)() = nullptr;
+  int (*shutdown_)() = nullptr;
+};
+
+}  // namespace app

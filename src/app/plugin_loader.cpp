@@ -12,7 +12,7 @@ namespace {
 struct Exports {
   const wchar_t* (*description)() = nullptr;
   int (*numberClasses)() = nullptr;
-  corvanta::ClassDesc2* (*classDesc)(int) = nullptr;
+  const corvanta::ClassDesc* (*classDesc)(int) = nullptr;
   unsigned long (*version)() = nullptr;
   int (*initialize)() = nullptr;
   int (*shutdown)() = nullptr;
@@ -81,10 +81,10 @@ PluginLibrary PluginLibrary::Load(const std::filesystem::path& file) {
   plugin.shutdown_ = exports.shutdown;
   const int count = exports.numberClasses();
   for (int i = 0; i < count; ++i) {
-    corvanta::ClassDesc2* description = exports.classDesc(i);
+    const corvanta::ClassDesc* description = exports.classDesc(i);
     if (description == nullptr) {
-      plugin.problem_ = name + ": says it has " + std::to_string(count) + " classes, but gives none at " +
-                        std::to_string(i);
+      plugin.problem_ =
+          name + ": says it has " + std::to_string(count) + " classes, but gives none at " + std::to_string(i);
       return plugin;
     }
     plugin.classes_.push_back(description);

@@ -7,7 +7,7 @@
 #include <vector>
 
 namespace corvanta {
-class ClassDesc2;
+class ClassDesc;
 }
 
 namespace app {
@@ -28,7 +28,7 @@ class PluginLibrary {
   bool IsLoaded() const { return problem_.empty(); }
   const std::string& Problem() const { return problem_; }
   const std::wstring& Description() const { return description_; }
-  const std::vector<corvanta::ClassDesc2*>& Classes() const { return classes_; }
+  const std::vector<const corvanta::ClassDesc*>& Classes() const { return classes_; }
 
   /// LibInitialize and LibShutdown; false when the library says no. Register the classes before the first.
   bool Initialize() const { return initialize_ != nullptr && initialize_() != 0; }
@@ -37,7 +37,7 @@ class PluginLibrary {
  private:
   std::string problem_;
   std::wstring description_;
-  std::vector<corvanta::ClassDesc2*> classes_;
+  std::vector<const corvanta::ClassDesc*> classes_;
   int (*initialize_)() = nullptr;
   int (*shutdown_)() = nullptr;
 };

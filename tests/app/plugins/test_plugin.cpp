@@ -8,7 +8,7 @@
 #endif
 
 namespace corvanta {
-class ClassDesc2;
+class ClassDesc;
 }
 
 namespace {
@@ -18,8 +18,8 @@ int storage;  // stands for a descriptor, which the loader only hands on
 extern "C" {
 const wchar_t* LibDescription() { return L"Test plug-in"; }
 int LibNumberClasses() { return PLUGIN_CLASSES; }
-corvanta::ClassDesc2* LibClassDesc(int index) {
-  return index == 0 ? reinterpret_cast<corvanta::ClassDesc2*>(&storage) : nullptr;
+const corvanta::ClassDesc* LibClassDesc(int index) {
+  return index == 0 ? reinterpret_cast<const corvanta::ClassDesc*>(&storage) : nullptr;
 }
 unsigned long LibVersion() { return PLUGIN_VERSION; }
 int LibInitialize() { return 1; }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // tavrilon build: makes a rig from a type and a template and saves the scene.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 
@@ -22,17 +21,14 @@ int Build(const BuildOptions&) { return Fail("build: rig building is not availab
 
 }  // namespace
 
-void AddBuildCommand(CLI::App& program, int& exitCode) {
+void AddBuildCommand(CommandLine& line) {
   auto options = std::make_shared<BuildOptions>();
-  CLI::App* command = program.add_subcommand("build", "Build a rig and save it as a scene");
-  command->add_option("--type", options->type, "The kind of rig")->capture_default_str();
-  command->add_option("--template", options->rigTemplate, "The template (.rig) that gives its measures")
-      ->check(CLI::ExistingFile);
-  command->add_option("-o,--output", options->output, "The scene to write (.tvs)")->required();
-  command->add_flag("--check-rest-pose", options->checkRestPose,
-                    "Fail when the built rig does not stand where its template put it");
-  command->add_flag("--json", options->json, "Print what was built as JSON");
-  command->callback([options, &exitCode] { exitCode = Build(*options); });
+  line.Add("build", "Build a rig and save it as a scene", [options] { return Build(*options); })
+      .Text("--type", options->type, Given::Optional, "The kind of rig")
+      .InputFile("--template", options->rigTemplate, Given::Optional, "The template (.rig) that gives its measures")
+      .Text("-o,--output", options->output, Given::Required, "The scene to write (.tvs)")
+      .Flag("--check-rest-pose", options->checkRestPose, "Fail when the rig does not stand as its template says")
+      .Flag("--json", options->json, "Print what was built as JSON");
 }
 
 }  // namespace app

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // tavrilon eval "TEXT": runs one piece of script and prints its value.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 
@@ -19,12 +18,11 @@ int Eval(const EvalOptions&) { return Fail("eval: the script engine is not avail
 
 }  // namespace
 
-void AddEvalCommand(CLI::App& program, int& exitCode) {
+void AddEvalCommand(CommandLine& line) {
   auto options = std::make_shared<EvalOptions>();
-  CLI::App* command = program.add_subcommand("eval", "Run a piece of CorvantaScript and print its value");
-  command->add_option("text", options->text, "The script text")->required();
-  command->add_flag("--json", options->json, "Print the value as JSON");
-  command->callback([options, &exitCode] { exitCode = Eval(*options); });
+  line.Add("eval", "Run a piece of CorvantaScript and print its value", [options] { return Eval(*options); })
+      .Text("text", options->text, Given::Required, "The script text")
+      .Flag("--json", options->json, "Print the value as JSON");
 }
 
 }  // namespace app

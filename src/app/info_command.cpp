@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// tavrilon info [FILE]: what this build holds, or what a file holds.
-#include <CLI/CLI.hpp>
+// tavrilon info FILE: tells what a file holds.
 #include <memory>
 #include <string>
 
@@ -19,14 +18,11 @@ int Info(const InfoOptions&) { return Fail("info: reading files is not available
 
 }  // namespace
 
-void AddInfoCommand(CLI::App& program, int& exitCode) {
+void AddInfoCommand(CommandLine& line) {
   auto options = std::make_shared<InfoOptions>();
-  CLI::App* command = program.add_subcommand("info", "Tell what a file holds");
-  command->add_option("file", options->file, "A scene, rig template, animation or FBX file")
-      ->required()
-      ->check(CLI::ExistingFile);
-  command->add_flag("--json", options->json, "Print it as JSON");
-  command->callback([options, &exitCode] { exitCode = Info(*options); });
+  line.Add("info", "Tell what a file holds", [options] { return Info(*options); })
+      .InputFile("file", options->file, Given::Required, "A scene, rig template, animation or FBX file")
+      .Flag("--json", options->json, "Print it as JSON");
 }
 
 }  // namespace app

@@ -54,42 +54,42 @@ std::filesystem::path PluginLibrary::DefaultPath() {
 
 PluginLibrary PluginLibrary::Load(const std::filesystem::path& file) {
   PluginLibrary plugin;
-  const std::string name = file.string();
+  plugin.problem_ = plugin.Open(file);
+  if (!plugin.problem_.empty()) plugin.problem_ = file.string() + ": " + plugin.problem_;
+  return plugin;
+}
+
+std::string PluginLibrary::Open(const std::filesystem::path& file) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(file, error)) {
-    plugin.problem_ = name + ": there is no such plug-in library; build it, or install it beside the program";
-    return plugin;
+    return "there is no such plug-in library; build it, or install it beside the program";
   }
   // An absolute path has a slash: a bare name would be searched for in the system's library folders.
   void* library = dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (library == nullptr) {
-    plugin.problem_ = name + ": cannot be loaded: " + dlerror();
-    return plugin;
-  }
+  if (library == nullptr) return std::string("cannot be loaded: ") + dlerror();
   Exports exports;
   if (const std::string missing = ResolveAll(library, exports); !missing.empty()) {
-    plugin.problem_ = name + ": is not a plug-in of this host: it does not export " + missing;
-    return plugin;
+    return "is not a plug-in of this host: it does not export " + missing;
   }
   if (const unsigned long version = exports.version(); version != kHostVersion) {
-    plugin.problem_ = name + ": was built for host version " + Hex(version) + ", this one is " + Hex(kHostVersion) +
-                      "; build both from the same sources";
-    return plugin;
+    return "was built for host version " + Hex(version) + ", this one is " + Hex(kHostVersion) +
+           "; build both from the same sources";
   }
-  plugin.description_ = exports.description();
-  plugin.initialize_ = exports.initialize;
-  plugin.shutdown_ = exports.shutdown;
-  const int count = exports.numberClasses();
+  description_ = exports.description();
+  initialize_ = exports.initialize;
+  shutdown_ = exports.shutdown;
+  return ReadClasses(exports.numberClasses(), exports.classDesc);
+}
+
+std::string PluginLibrary::ReadClasses(int count, const corvanta::ClassDesc* (*classDesc)(int)) {
   for (int i = 0; i < count; ++i) {
-    const corvanta::ClassDesc* description = exports.classDesc(i);
-    if (description == nullptr) {
-      plugin.problem_ =
-          name + ": says it has " + std::to_string(count) + " classes, but gives none at " + std::to_string(i);
-      return plugin;
+    const corvanta::ClassDesc* desc = classDesc(i);
+    if (desc == nullptr) {
+      return "says it has " + std::to_string(count) + " classes, but gives none at " + std::to_string(i);
     }
-    plugin.classes_.push_back(description);
+    classes_.push_back(desc);
   }
-  return plugin;
+  return "";
 }
 
 }  // namespace app

@@ -30,12 +30,17 @@ class PluginLibrary {
   const std::wstring& Description() const { return description_; }
   const std::vector<const corvanta::ClassDesc*>& Classes() const { return classes_; }
 
-  /// LibInitialize and LibShutdown; false when the library says no. Register the classes before the first.
-  bool Initialize() const { return initialize_ != nullptr && initialize_() != 0; }
-  bool Shutdown() const { return shutdown_ != nullptr && shutdown_() != 0; }
+  /// LibInitialize and LibShutdown: false when the library says no or is not loaded. Register the classes before the
+  /// first.
+  bool Initialize() const { return IsLoaded() && initialize_() != 0; }
+  bool Shutdown() const { return IsLoaded() && shutdown_() != 0; }
 
  private:
-  std::string problem_;
+  // Each returns the problem, or an empty text.
+  std::string Open(const std::filesystem::path& file);
+  std::string ReadClasses(int count, const corvanta::ClassDesc* (*classDesc)(int));
+
+  std::string problem_ = "no plug-in library was loaded";
   std::wstring description_;
   std::vector<const corvanta::ClassDesc*> classes_;
   int (*initialize_)() = nullptr;

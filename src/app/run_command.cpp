@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // tavrilon run FILE.cvs [ARGS]: runs a script file.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,17 +19,11 @@ int Run(const RunOptions&) { return Fail("run: the script engine is not availabl
 
 }  // namespace
 
-void AddRunCommand(CLI::App& program, int& exitCode) {
+void AddRunCommand(CommandLine& line) {
   auto options = std::make_shared<RunOptions>();
-  CLI::App* command = program.add_subcommand("run", "Run a CorvantaScript file without a window");
-  command->add_option("file", options->file, "The script (.cvs)")->required()->check(CLI::ExistingFile);
-  command->add_option("arguments", options->arguments, "Handed to the script as the array `scriptArgs`");
-  // Whatever follows the file is the script's, also what looks like an option.
-  command->positionals_at_end(false)->prefix_command();
-  command->callback([command, options, &exitCode] {
-    for (const std::string& rest : command->remaining()) options->arguments.push_back(rest);
-    exitCode = Run(*options);
-  });
+  line.Add("run", "Run a CorvantaScript file without a window", [options] { return Run(*options); })
+      .InputFile("file", options->file, Given::Required, "The script (.cvs)")
+      .Rest("Arguments after the file", options->arguments, "handed to the script as the array `scriptArgs`");
 }
 
 }  // namespace app

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // tavrilon shot SCENE -o PICTURE: draws a scene without a display.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 
@@ -23,18 +22,15 @@ int Shot(const ShotOptions&) { return Fail("shot: drawing scenes is not availabl
 
 }  // namespace
 
-void AddShotCommand(CLI::App& program, int& exitCode) {
+void AddShotCommand(CommandLine& line) {
   auto options = std::make_shared<ShotOptions>();
-  CLI::App* command = program.add_subcommand("shot", "Draw a scene as a picture");
-  command->add_option("scene", options->scene, "The scene (.tvs)")->required()->check(CLI::ExistingFile);
-  command->add_option("-o,--output", options->output, "The picture to write (.png)")->required();
-  command->add_option("--view", options->view, "Where the camera stands")
-      ->capture_default_str()
-      ->check(CLI::IsMember({"front", "side", "top", "perspective"}));
-  command->add_option("--frame", options->frame, "The frame to draw")->capture_default_str();
-  command->add_option("--width", options->width, "Pixels")->capture_default_str()->check(CLI::Range(1, 16384));
-  command->add_option("--height", options->height, "Pixels")->capture_default_str()->check(CLI::Range(1, 16384));
-  command->callback([options, &exitCode] { exitCode = Shot(*options); });
+  line.Add("shot", "Draw a scene as a picture", [options] { return Shot(*options); })
+      .InputFile("scene", options->scene, Given::Required, "The scene (.tvs)")
+      .Text("-o,--output", options->output, Given::Required, "The picture to write (.png)")
+      .Choice("--view", options->view, {"front", "side", "top", "perspective"}, "Where the camera stands")
+      .Number("--frame", options->frame, -1000000, 1000000, "The frame to draw")
+      .Number("--width", options->width, 1, 16384, "Pixels")
+      .Number("--height", options->height, 1, 16384, "Pixels");
 }
 
 }  // namespace app

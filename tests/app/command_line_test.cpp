@@ -38,6 +38,7 @@ const Call kCalls[] = {
     {"shot --help", 0, "--view"},
     {"run", 2, "file is required"},
     {"run /no/such/file.cvs", 2, "/no/such/file.cvs"},
+    {"run " __FILE__ " --whatever", 1, "run: "},
     {"nonsense", 2, "nonsense"},
     {"--nonsense", 2, "--nonsense"},
     {"shot " __FILE__ " -o picture.png --view sideways", 2, "sideways"},

@@ -69,7 +69,7 @@ Build() {
   local preset=$1 quiet=--quiet
   shift
   [ -t 1 ] && quiet=
-  ninja -C "build/$preset" -j "$jobs" $quiet "$@"
+  ninja -C "build/$preset" -j "$jobs" -k 0 $quiet "$@"  # -k 0: show every fault, not the first
 }
 
 jobs=${TAVRILON_JOBS:-2}  # two compilers fit into 4 GB; more cores: TAVRILON_JOBS=8 ./test
@@ -79,4 +79,3 @@ mkdir -p "$log_folder"
 if [ -z "${CCACHE_DIR:-}" ] && [ ! -e "${HOME:-}/.ccache" ] && [ ! -e "${XDG_CACHE_HOME:-${HOME:-}/.cache}/ccache" ]; then
   export CCACHE_DIR=$PWD/.ccache
 fi
-export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$PWD}

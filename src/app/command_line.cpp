@@ -54,6 +54,19 @@ Subcommand& Subcommand::Number(const char* name, int& value, int least, int most
   return *this;
 }
 
+Subcommand& Subcommand::Number(const char* name, double& value, double least, double most, const char* help) {
+  command_.add_option(name, value, help)->capture_default_str()->check(CLI::Range(least, most));
+  return *this;
+}
+
+Subcommand& Subcommand::List(const char* name, std::vector<std::string>& values, const char* help) {
+  command_.add_option(name, values, help)
+      ->type_size(1)
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  return *this;
+}
+
 Subcommand& Subcommand::Flag(const char* name, bool& value, const char* help) {
   command_.add_flag(name, value, help);
   return *this;

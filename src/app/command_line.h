@@ -35,6 +35,9 @@ class Subcommand {
   Subcommand& InputFile(const char* name, std::string& value, Given given, const char* help);
   Subcommand& Choice(const char* name, std::string& value, const std::vector<std::string>& choices, const char* help);
   Subcommand& Number(const char* name, int& value, int least, int most, const char* help);
+  Subcommand& Number(const char* name, double& value, double least, double most, const char* help);
+  /// An option that may come several times, each with one value.
+  Subcommand& List(const char* name, std::vector<std::string>& values, const char* help);
   Subcommand& Flag(const char* name, bool& value, const char* help);
   /// All that follows the positional arguments, also what looks like an option.
   Subcommand& Rest(const char* name, std::vector<std::string>& values, const char* help);

@@ -38,10 +38,12 @@ const Call kCalls[] = {
     {"shot --help", 0, "--view"},
     {"run", 2, "file is required"},
     {"run /no/such/file.cvs", 2, "/no/such/file.cvs"},
-    {"run " __FILE__ " --whatever", 1, "run: "},
+    {"run " TAVRILON_SOURCE_DIR "/README.md --whatever", 1, "run: "},
+    {"build --set a=1 --set b=2 -o scene.tvs", 1, "build: "},
+    {"build --height tall -o scene.tvs", 2, "tall"},
     {"nonsense", 2, "nonsense"},
     {"--nonsense", 2, "--nonsense"},
-    {"shot " __FILE__ " -o picture.png --view sideways", 2, "sideways"},
+    {"shot " TAVRILON_SOURCE_DIR "/README.md -o picture.png --view sideways", 2, "sideways"},
 };
 
 TEST(CommandLine, ExitCodesAndTexts) {

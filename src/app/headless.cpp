@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#include "app/headless.h"
+
+#include <QGuiApplication>
+#include <cstdlib>
+
+namespace app {
+
+namespace {
+
+bool IsGiven(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
+}  // namespace
+
+void ChooseHeadlessPlatform() {
+  if (IsGiven("DISPLAY") || IsGiven("WAYLAND_DISPLAY") || IsGiven("QT_QPA_PLATFORM")) return;
+  setenv("QT_QPA_PLATFORM", "offscreen", 1);
+}
+
+std::unique_ptr<QGuiApplication> MakeDrawingApplication() {
+  // Qt keeps references to both for the life of the application object.
+  static int count = 1;
+  static char name[] = "tavrilon";
+  static char* arguments[] = {name, nullptr};
+  return std::make_unique<QGuiApplication>(count, arguments);
+}
+
+}  // namespace app

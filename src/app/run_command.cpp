@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// tavrilon run FILE.cvs [ARGS]: runs a script file.
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/command_line.h"
+
+namespace app {
+
+namespace {
+
+struct RunOptions {
+  std::string file;
+  std::vector<std::string> arguments;
+};
+
+int Run(const RunOptions&) { return Fail("run: the script engine is not available in this build"); }
+
+}  // namespace
+
+void AddRunCommand(CommandLine& line) {
+  auto options = std::make_shared<RunOptions>();
+  line.Add("run", "Run a CorvantaScript file without a window", [options] { return Run(*options); })
+      .InputFile("file", options->file, Given::Required, "The script (.cvs)")
+      .Rest("Arguments after the file", options->arguments, "handed to the script as the array `scriptArgs`");
+}
+
+}  // namespace app

@@ -47,6 +47,8 @@ class ReferenceMaker : public Animatable {
   /// refuses a target that depends on this maker (REF_FAIL, nothing changed). A target that loses its last dependent is
   /// deleted when `delOld` is on and nothing holds it. Undoable.
   RefResult ReplaceReference(int which, ReferenceTarget* target, bool delOld = true);
+  /// Binds without undo and without the loop test: for construction, loading and undo itself.
+  void BindReference(int which, ReferenceTarget* target, bool delOld = true);
   /// Drops every reference. Called before destruction while the virtual calls still work.
   void DeleteAllRefs();
 
@@ -68,8 +70,6 @@ class ReferenceMaker : public Animatable {
   friend class ReferenceRestore;
   /// Stores the pointer, nothing else. Must bear any index on load.
   virtual void SetReference(int which, ReferenceTarget* target) {}
-  /// Binds without undo and without the loop test.
-  void BindReference(int which, ReferenceTarget* target, bool delOld = true);
   /// Link bookkeeping for classes that store their targets themselves.
   void AddLink(ReferenceTarget* target);
   void DropLink(ReferenceTarget* target, bool delOld = true);
@@ -195,7 +195,7 @@ class Ref : private RefBase {
   T* operator->() const { return p_; }
   T& operator*() const { return *p_; }
   explicit operator bool() const { return p_ != nullptr; }
-  bool operator==(const Ref&) const = default;
+  bool operator==(const Ref& r) const { return p_ == r.p_; }
 
  private:
   T* p_ = nullptr;

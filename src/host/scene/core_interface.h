@@ -78,8 +78,6 @@ class Interface {
     if (!prompts_.empty()) prompts_.pop_back();
   }
   WStr Prompt() const { return prompts_.empty() ? WStr() : prompts_.back(); }
-  /// Folder by number: 20 the program's root, 31 settings.
-  WStr GetDir(int id) const;
 
   /// Undo and redo with their notifications and a redraw.
   bool UndoStep();

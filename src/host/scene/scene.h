@@ -105,7 +105,7 @@ class Scene {
   INode* GetINodeByName(const WStr& name) const;
   INode* GetNodeByHandle(uint32_t handle) const;
   /// The name with a number behind it that no node has yet: "Box001".
-  WStr MakeUniqueName(const WStr& base) const;
+  WStr MakeUniqueName(const WStr& base);
   /// Clones nodes with their controllers and objects; a cloned child of a cloned parent hangs under the clone.
   std::vector<INode*> CloneNodes(const std::vector<INode*>& nodes);
 
@@ -126,6 +126,7 @@ class Scene {
   TimeConfig time;
 
   // For loading: no undo, no messages.
+  /// A bare node under the root, with this handle or, when it is 0 or taken, a new one.
   INode* LoadNode(uint32_t handle);
   void LoadLayer(Ref<SceneLayer> layer) { layers_.push_back(std::move(layer)); }
   void LoadSelection(std::vector<INode*> nodes);
@@ -145,6 +146,7 @@ class Scene {
   std::vector<INode*> selection_;
   std::vector<Ref<SceneLayer>> layers_;
   std::unordered_map<uint32_t, INode*> byHandle_;
+  std::unordered_map<WStr, int> lastNumber_;
   uint32_t nextHandle_ = 1;
 };
 

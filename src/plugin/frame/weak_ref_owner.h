@@ -17,7 +17,8 @@ class WeakRefOwner : public corvanta::WeakParamOwner {
   int NumWeakParams() const;
   /// ID of the `i`-th weak row; -1 beyond the end.
   corvanta::ParamID GetWeakParam(int i) const;
-  /// Null when empty, when the node is gone, and for an unknown ID; a tab index beyond the end throws the Tab exception.
+  /// Null when empty, when the node is gone, and for an unknown ID; a tab index beyond the end throws the Tab
+  /// exception.
   corvanta::INode* GetWeakNode(corvanta::ParamID id, int tab = 0) const;
   /// False for an unknown ID. Undoable.
   bool SetWeakNode(corvanta::ParamID id, corvanta::INode* node, int tab = 0);

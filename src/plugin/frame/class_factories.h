@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// One factory a class of the class table, defined beside the class. `loading` leaves out blocks and sub-controllers,
+// which a file brings. To bring in a class: declare its factory here and name it in its row of class_table.h.
+#pragma once
+
+namespace corvanta {
+class ReferenceTarget;
+}
+
+namespace tavrilon {
+
+// frame/
+corvanta::ReferenceTarget* CreateAnimationManagerMod(bool loading);
+corvanta::ReferenceTarget* CreateUIPanelHolder(bool loading);
+corvanta::ReferenceTarget* CreatePoseKitHolder(bool loading);
+
+// controllers/
+corvanta::ReferenceTarget* CreateStaticFloat(bool loading);
+corvanta::ReferenceTarget* CreateStaticPosition(bool loading);
+corvanta::ReferenceTarget* CreateStaticRotation(bool loading);
+corvanta::ReferenceTarget* CreateStaticScale(bool loading);
+corvanta::ReferenceTarget* CreateStaticTransform(bool loading);
+corvanta::ReferenceTarget* CreateStepFloat(bool loading);
+corvanta::ReferenceTarget* CreateRotationXYZ(bool loading);
+corvanta::ReferenceTarget* CreateDummyFloat(bool loading);
+corvanta::ReferenceTarget* CreateDummyRotation(bool loading);
+corvanta::ReferenceTarget* CreateRigControl(bool loading);
+
+// constraints/
+corvanta::ReferenceTarget* CreateParentConstraint(bool loading);
+corvanta::ReferenceTarget* CreateTransformConstraint(bool loading);
+corvanta::ReferenceTarget* CreateScaleConstraint(bool loading);
+
+// shapes/
+corvanta::ReferenceTarget* CreateControlShape(bool loading);
+corvanta::ReferenceTarget* CreateControlHelper(bool loading);
+
+// rig/
+corvanta::ReferenceTarget* CreateRig(bool loading);
+corvanta::ReferenceTarget* CreateRigSystem(bool loading);
+
+}  // namespace tavrilon

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "plugin/frame/library.h"
+
+#include "host/core/notify.h"
+#include "plugin/frame/resource.h"
+#include "plugin/frame/tavrilon_interface.h"
+
+namespace tavrilon {
+
+using namespace corvanta;
+
+namespace {
+
+// The panel and the pose kit of the old scene are no longer the current ones.
+void OnSceneReset(void*, NotifyInfo*) { GetTavrilonInterface().Clear(); }
+
+// Both hooks have one step each way so far: the curve editor, which brings the others, is not built yet.
+void OnHostStarted(void*, NotifyInfo*) { RegisterNotification(OnSceneReset, nullptr, NOTIFY_SCENE_RESET); }
+
+void OnHostClosing(void*, NotifyInfo*) {
+  UnRegisterNotification(OnSceneReset, nullptr, NOTIFY_SCENE_RESET);
+  GetTavrilonInterface().Clear();
+}
+
+}  // namespace
+
+void AttachLibrary(void* moduleHandle) {
+  SetModuleHandle(moduleHandle);
+  if (!GetCoreInterface(TavrilonInterface::kId)) RegisterCoreInterface(&GetTavrilonInterface());
+}
+
+void InitializeLibrary() {
+  RegisterNotification(OnSceneReset, nullptr, NOTIFY_SCENE_RESET);
+  RegisterNotification(OnHostStarted, nullptr, NOTIFY_HOST_STARTED);
+  RegisterNotification(OnHostClosing, nullptr, NOTIFY_HOST_CLOSING);
+}
+
+void ShutdownLibrary() {
+  UnRegisterNotification(OnHostStarted, nullptr, NOTIFY_HOST_STARTED);
+  UnRegisterNotification(OnHostClosing, nullptr, NOTIFY_HOST_CLOSING);
+  OnHostClosing(nullptr, nullptr);
+}
+
+}  // namespace tavrilon

@@ -3,6 +3,7 @@
 // controller when the parameter is animated.
 #pragma once
 
+#include <concepts>
 #include <memory>
 #include <utility>
 
@@ -77,7 +78,11 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   // An animated parameter writes through its controller; with animate on one is made first.
   bool SetValue(ParamID id, TimeValue t, float value, int tab = 0);
   bool SetValue(ParamID id, TimeValue t, int value, int tab = 0);
-  bool SetValue(ParamID id, TimeValue t, bool value, int tab = 0) { return SetValue(id, t, value ? 1 : 0, tab); }
+  /// A template, so that no pointer turns into a bool.
+  template <std::same_as<bool> B>
+  bool SetValue(ParamID id, TimeValue t, B value, int tab = 0) {
+    return SetValue(id, t, value ? 1 : 0, tab);
+  }
   bool SetValue(ParamID id, TimeValue t, const Point3& value, int tab = 0);
   bool SetValue(ParamID id, TimeValue t, const Point2& value, int tab = 0);
   bool SetValue(ParamID id, TimeValue t, const Colour& value, int tab = 0);
@@ -88,7 +93,6 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   }
   /// Null clears. A target that depends on the block's owner is refused.
   bool SetValue(ParamID id, TimeValue t, ReferenceTarget* value, int tab = 0);
-  bool SetValue(ParamID id, TimeValue t, INode* value, int tab = 0);
   bool SetValue(ParamID id, TimeValue t, std::nullptr_t, int tab = 0) {
     return SetValue(id, t, static_cast<ReferenceTarget*>(nullptr), tab);
   }

@@ -185,6 +185,8 @@ void ReferenceTarget::Propagate(RefNotice notice) {
   Deliver(notice);
 }
 
+uint32_t ReferenceTarget::NewNoticeNumber() { return ++lastNotice; }
+
 const RefNotice* ReferenceTarget::CurrentNotice() { return currentNotice; }
 
 void ReferenceTarget::Deliver(const RefNotice& notice) {

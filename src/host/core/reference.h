@@ -95,6 +95,8 @@ class ReferenceTarget : public ReferenceMaker {
                         void* option = nullptr);
   /// Sends `notice` on to this target's dependents as part of the same message.
   void Propagate(RefNotice notice);
+  /// The number of a message that the caller propagates by itself.
+  static uint32_t NewNoticeNumber();
   /// The message that is being delivered, null outside of a delivery.
   static const RefNotice* CurrentNotice();
 

@@ -128,17 +128,28 @@ bool INode::AttachChild(INode* child, bool keepPos) {
 // -----------------------------------------------------------------------------------------------------
 
 // A change of place reaches every descendant, whose own dependents hear of it as of a change of their transform: who
-// watches a joint need not watch the joint's parents. All of it is one message.
-void INode::DropMatrices(const RefNotice& notice, bool self) {
+// watches a joint need not watch the joint's parents. All of it is one message. All matrices go before anyone is told,
+// so that whoever evaluates on hearing it reads nothing stale.
+void INode::DropMatrices() {
   tmValid_ = NEVER;
-  if (!self) Propagate(notice);
-  for (INode* child : children_) child->DropMatrices(notice, false);
+  for (INode* child : children_) child->DropMatrices();
+}
+
+void INode::TellDescendants(const RefNotice& notice) {
+  for (size_t i = 0; i < children_.size(); ++i) {
+    children_[i]->Propagate(notice);
+    children_[i]->TellDescendants(notice);
+  }
 }
 
 void INode::InvalidateTM() {
-  tmValid_ = NEVER;
+  DropMatrices();
   NotifyDependents(FOREVER, PART_TM);
-  for (INode* child : children_) child->InvalidateTM();
+  RefNotice notice;
+  notice.part = PART_TM;
+  notice.origin = this;
+  notice.number = NewNoticeNumber();
+  TellDescendants(notice);
 }
 
 RefResult INode::NotifyRefChanged(const Interval&, ReferenceTarget* target, PartID& part, RefMessage message, bool) {
@@ -146,7 +157,8 @@ RefResult INode::NotifyRefChanged(const Interval&, ReferenceTarget* target, Part
     part = PART_TM;
     RefNotice notice = *CurrentNotice();
     notice.part = PART_TM;
-    DropMatrices(notice, true);
+    DropMatrices();
+    TellDescendants(notice);
   }
   return REF_SUCCEED;
 }

@@ -153,7 +153,8 @@ class INode final : public ReferenceTarget {
   friend class NodeDetachment;
   friend class ParentRestore;
   const Matrix3& Evaluate(TimeValue t);
-  void DropMatrices(const RefNotice& notice, bool self);
+  void DropMatrices();
+  void TellDescendants(const RefNotice& notice);
   void Touch();
   template <class T>
   void SetField(T NodeState::*field, const T& value, RefMessage message, PartID part);

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#include "host/core/reference.h"
+
+#include "host/core/hold.h"
+#include "host/core/monitor.h"
+#include "host/core/remap.h"
+#include "support/test_objects.h"
+
+namespace corvanta {
+namespace {
+
+using namespace testing_objects;
+
+class ReferenceTest : public SceneTest {};
+
+TEST_F(ReferenceTest, LastDependentTakesTheTargetAlong) {
+  const Ref<Listener> a(new Listener), b(new Listener);
+  auto* target = new Listener;
+  const AnimHandle handle = Animatable::GetHandleByAnim(target);
+  a->ReplaceReference(0, target);
+  b->ReplaceReference(0, target);
+  a->ReplaceReference(0, nullptr);
+  EXPECT_EQ(Animatable::GetAnimByHandle(handle), target);
+  b->ReplaceReference(0, nullptr);
+  EXPECT_EQ(Animatable::GetAnimByHandle(handle), nullptr);
+}
+
+TEST_F(ReferenceTest, UndoKeepsWhatNothingRefersTo) {
+  const Ref<Listener> a(new Listener);
+  auto* target = new Listener;
+  const AnimHandle handle = Animatable::GetHandleByAnim(target);
+  a->ReplaceReference(0, target);
+  theHold.Begin();
+  a->ReplaceReference(0, nullptr);
+  theHold.Accept(L"drop");
+  EXPECT_EQ(Animatable::GetAnimByHandle(handle), nullptr) << "an object in undo does not resolve";
+  theHold.Undo();
+  EXPECT_EQ(a->refs[0], target);
+  EXPECT_EQ(Animatable::GetAnimByHandle(handle), target) << "the same handle works again";
+  theHold.Redo();
+  theHold.Flush();
+  EXPECT_EQ(Animatable::GetAnimByHandle(handle), nullptr);
+}
+
+TEST_F(ReferenceTest, LoopsAreRefused) {
+  const Ref<Listener> a(new Listener), b(new Listener), c(new Listener);
+  EXPECT_EQ(a->ReplaceReference(0, b.Get()), REF_SUCCEED);
+  EXPECT_EQ(b->ReplaceReference(0, c.Get()), REF_SUCCEED);
+  EXPECT_EQ(c->ReplaceReference(0, a.Get()), REF_FAIL);
+  EXPECT_EQ(a->ReplaceReference(0, a.Get()), REF_FAIL);
+  EXPECT_EQ(c->refs[0], nullptr);
+}
+
+TEST_F(ReferenceTest, OneSendCrossesEachLinkOnce) {
+  // target <- left, right <- top, and top refers to target too.
+  const Ref<Listener> target(new Listener), left(new Listener), right(new Listener), top(new Listener);
+  top->refs.resize(3);
+  left->ReplaceReference(0, target.Get());
+  right->ReplaceReference(0, target.Get());
+  top->ReplaceReference(0, left.Get());
+  top->ReplaceReference(1, right.Get());
+  top->ReplaceReference(2, target.Get());
+  target->NotifyDependents();
+  EXPECT_EQ(left->heard, 1);
+  EXPECT_EQ(right->heard, 1);
+  EXPECT_EQ(top->heard, 3) << "once from each of its references";
+  left->answer = REF_STOP;
+  target->NotifyDependents();
+  EXPECT_EQ(top->heard, 5) << "a stop holds back only what goes through the one that stops";
+}
+
+TEST_F(ReferenceTest, HandlersMaySendDropAndDie) {
+  const Ref<Listener> target(new Listener);
+  auto* first = new Listener;
+  const Ref<Listener> second(new Listener);
+  Ref<Listener> keepFirst(first);
+  first->ReplaceReference(0, target.Get());
+  second->ReplaceReference(0, target.Get());
+  first->onMessage = [&](ReferenceTarget*) {
+    first->ReplaceReference(0, nullptr);
+    keepFirst = nullptr;
+  };
+  target->NotifyDependents();
+  EXPECT_EQ(second->heard, 1);
+  EXPECT_EQ(target->Dependents().size(), 1u);
+  // Two that answer each other for ever come to an end.
+  second->onMessage = [&](ReferenceTarget*) { target->NotifyDependents(); };
+  target->NotifyDependents();
+  EXPECT_LT(second->heard, 1000);
+}
+
+TEST_F(ReferenceTest, DisabledMessagesAreNotReplayed) {
+  const Ref<Listener> target(new Listener), listener(new Listener);
+  listener->ReplaceReference(0, target.Get());
+  DisableRefMsgs();
+  DisableRefMsgs();
+  target->NotifyDependents();
+  EnableRefMsgs();
+  target->NotifyDependents();
+  EXPECT_EQ(listener->heard, 0);
+  EnableRefMsgs();
+  target->NotifyDependents();
+  EXPECT_EQ(listener->heard, 1);
+}
+
+TEST_F(ReferenceTest, MonitorsSeeWithoutHolding) {
+  struct Client final : MonitorClient {
+    void MonitoredNotice(RefTargMonitor&, const RefNotice& n) override { messages.push_back(n.message); }
+    std::vector<RefMessage> messages;
+  } client;
+  RefTargMonitor monitor(&client);
+  INode* node = MakeNode(L"watched");
+  monitor.SetTarget(node);
+  EXPECT_FALSE(node->HasDependents());
+  node->InvalidateTM();
+  EXPECT_EQ(client.messages, std::vector<RefMessage>{REFMSG_CHANGE});
+  theHold.Begin();
+  GetScene().DeleteNode(node);
+  theHold.Accept(L"delete");
+  EXPECT_EQ(client.messages.back(), REFMSG_TARGET_DELETED);
+  EXPECT_EQ(monitor.Target(), nullptr);
+  theHold.Undo();
+  EXPECT_EQ(monitor.Target(), node);
+  GetScene().DeleteNode(node);
+  theHold.Flush();
+  EXPECT_EQ(monitor.RawTarget(), nullptr);
+}
+
+}  // namespace
+}  // namespace corvanta

@@ -103,6 +103,13 @@ IOResult ILoad::Read(void* data, size_t size, size_t* got) {
   return Status();
 }
 
+std::span<const uint8_t> ILoad::Take(size_t size) {
+  if (error_.empty() && size > Remaining()) Fail("wanted " + std::to_string(size) + " bytes, but fewer are left");
+  if (!error_.empty()) return {};
+  at_ += size;
+  return bytes_.subspan(at_ - size, size);
+}
+
 IOResult ILoad::ReadCount(uint32_t& count, size_t itemSize) {
   if (Read(count) == IOResult::OK && (itemSize == 0 || count <= Remaining() / itemSize)) return IOResult::OK;
   Fail("a count of " + std::to_string(count) + " does not fit in the chunk");
@@ -114,8 +121,8 @@ IOResult ILoad::ReadCStr(std::string& bytes) {
   bytes.clear();
   uint32_t length;
   if (ReadCount(length, 1) != IOResult::OK) return IOResult::Error;
-  bytes.assign(reinterpret_cast<const char*>(bytes_.data()) + at_, length);
-  at_ += length;
+  const auto taken = Take(length);
+  bytes.assign(taken.begin(), taken.end());
   return IOResult::OK;
 }
 

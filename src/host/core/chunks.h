@@ -51,6 +51,8 @@ class ISave {
 
   /// OK when every chunk is closed and nothing went wrong.
   IOResult Status() const { return failed_ || !open_.empty() ? IOResult::Error : IOResult::OK; }
+  /// How many chunks are open.
+  size_t Depth() const { return open_.size(); }
   const std::vector<uint8_t>& Bytes() const { return bytes_; }
   std::vector<uint8_t> TakeBytes();
 
@@ -102,6 +104,10 @@ class ILoad {
   /// Ill-formed UTF-8 is an error.
   IOResult ReadWStr(WStr& text);
   IOResult ReadCStr(std::string& bytes);
+  /// Goes over `size` bytes and gives them as they lie in the stream; empty in error.
+  std::span<const uint8_t> Take(size_t size);
+  /// Where the next byte stands in the file.
+  size_t Offset() const { return base_ + at_; }
   /// Reads a count (32 bits) of things that take `itemSize` bytes each at least; a count that the present chunk cannot
   /// hold is an error, so what is reserved for it is bounded by the file's size.
   IOResult ReadCount(uint32_t& count, size_t itemSize);

@@ -79,6 +79,16 @@ void ReferenceMaker::BindReference(int which, ReferenceTarget* target, bool delO
   if (old) DropLink(old, delOld);
 }
 
+bool ReferenceMaker::LoadReference(int which, ReferenceTarget* target) {
+  ReferenceTarget* old = ReferenceAt(which);
+  if (old == target) return true;
+  StoreReference(which, target);
+  if (ReferenceAt(which) != target) return false;
+  if (target) AddLink(target);
+  if (old) DropLink(old);
+  return true;
+}
+
 void ReferenceMaker::AddLink(ReferenceTarget* target) { target->AddDependent(this); }
 void ReferenceMaker::DropLink(ReferenceTarget* target, bool delOld) { target->DropDependent(this, delOld); }
 

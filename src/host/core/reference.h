@@ -5,6 +5,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -49,6 +50,19 @@ class ReferenceMaker : public Animatable {
   RefResult ReplaceReference(int which, ReferenceTarget* target, bool delOld = true);
   /// Binds without undo and without the loop test: for construction, loading and undo itself.
   void BindReference(int which, ReferenceTarget* target, bool delOld = true);
+  /// Binds a reference while a file is read: no undo, no loop test, no message. False, and nothing is bound, when the
+  /// maker does not keep the target under this index.
+  bool LoadReference(int which, ReferenceTarget* target);
+  /// May a file bind `target` as reference `which`? No answer means: whatever is like the target that a new object of
+  /// the class has there. A class that casts targets down answers for references that a new object leaves empty.
+  virtual std::optional<bool> AcceptsReference(int which, const ReferenceTarget& target) const { return std::nullopt; }
+
+  // Weak links outside parameter blocks: files keep them, and bind them when all references are bound.
+  virtual int NumIndirectRefs() const { return 0; }
+  virtual ReferenceTarget* GetIndirectRef(int i) const { return nullptr; }
+  /// `i` may exceed the live count while loading.
+  virtual void SetIndirectRef(int i, ReferenceTarget* target) {}
+
   /// Drops every reference. Called before destruction while the virtual calls still work.
   void DeleteAllRefs();
 

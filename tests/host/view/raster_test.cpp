@@ -129,21 +129,23 @@ TEST(Raster, LinesKeepTheirWidth) {
   }
 }
 
+// The face leans away from the viewer, so that half of a line on it lies behind the face's samples beside it.
 TEST(Raster, EdgesAreSeenOnTheirFaceButNotThroughIt) {
   for (ViewKind kind : {ViewKind::Front, ViewKind::Perspective}) {
     SoftwareWindow picture(SmallCamera(kind), kDark);
-    const Point3 side = picture.GetCamera().Right() * 2, away = picture.GetCamera().Forward(),
-                 up = picture.GetCamera().Up();
+    const Camera& camera = picture.GetCamera();
+    const Point3 side = camera.Right() * 2, up = camera.Up() + camera.Forward() * 0.7f;
     const Point3 p[] = {side * -1.5f - up * 3, side * 1.5f - up * 3, side * 1.5f + up * 3, side * -1.5f + up * 3};
     const std::array<int, 3> t[] = {{0, 1, 2}, {0, 2, 3}};
     picture.SetColour(kGreen), picture.SetShaded(false);
     picture.Triangles({p, t});
     picture.SetColour(kWhite), picture.SetLineWidth(3);
-    picture.Segment(up * 0.5f - side, up * 0.5f + side);  // on the face
-    picture.Segment(up * -0.5f - side + away, up * -0.5f + side + away);
+    picture.Segment(side * -1, side);  // on the face, through the middle of the picture
+    const Point3 behind = camera.Forward() - camera.Up();
+    picture.Segment(behind - side, behind + side);
     const QImage image = picture.Finish();
-    EXPECT_EQ(image.pixel(50, 45), 0xffffffffu);
-    for (int y = 51; y < 60; ++y) EXPECT_EQ(image.pixel(50, y), 0xff00ff00u) << y;
+    for (int y = 49; y < 51; ++y) EXPECT_EQ(image.pixel(50, y), 0xffffffffu) << y;
+    for (int y = 52; y < 66; ++y) EXPECT_EQ(image.pixel(50, y), 0xff00ff00u) << y;
   }
 }
 
@@ -198,6 +200,16 @@ TEST(Raster, FloorIsCutAtTheNearPlane) {
     EXPECT_EQ(image.pixel(x, horizon + 3), 0xffffffffu) << x;
     EXPECT_EQ(image.pixel(x, horizon - 3), 0xff000000u) << x;
   }
+}
+
+TEST(Raster, NothingBehindTheEye) {
+  SoftwareWindow picture(SmallCamera(ViewKind::Perspective), kDark);
+  const Camera& camera = picture.GetCamera();
+  const Point3 behind = camera.Eye() * 2 - camera.Target();
+  picture.Marker(behind, MarkerKind::Dot, 20);
+  picture.WorldText(behind, L"behind");
+  picture.Segment(behind - camera.Right(), behind + camera.Right());
+  EXPECT_EQ(CountLit(picture.Finish()), 0);
 }
 
 TEST(Raster, HostileNumbersAreLeftOut) {

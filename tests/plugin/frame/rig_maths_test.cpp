@@ -9,7 +9,7 @@ namespace {
 using namespace corvanta;
 
 constexpr float kRounding = 3e-6f;  // some twenty float operations on numbers up to 1
-const Point3 kX{1, 0, 0}, kY{0, 1, 0}, kZ{0, 0, 1};
+const Point3 kX{1, 0, 0}, kY{0, 1, 0};
 
 TEST(RigMaths, KnownTurns) {
   const float half = 0.70710678f;

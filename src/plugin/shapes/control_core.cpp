@@ -76,12 +76,18 @@ void ControlCore::DragGizmo(TimeValue t, const Matrix3& objectTM, const Matrix3&
 
 FPValue ControlCore::GetProperty(int getter) const {
   switch (getter) {
-    case kGetType: return block->GetInt(kControlType);
-    case kGetGizmoPos: return PartsOfGizmo(GetGizmo()).pos;
-    case kGetGizmoRot: return PartsOfGizmo(GetGizmo()).rot;
-    case kGetGizmoScale: return PartsOfGizmo(GetGizmo()).scale;
-    case kGetGizmoTM: return GetGizmo();
-    case kGetFaceSel: return faceSel_;
+    case kGetType:
+      return block->GetInt(kControlType);
+    case kGetGizmoPos:
+      return PartsOfGizmo(GetGizmo()).pos;
+    case kGetGizmoRot:
+      return PartsOfGizmo(GetGizmo()).rot;
+    case kGetGizmoScale:
+      return PartsOfGizmo(GetGizmo()).scale;
+    case kGetGizmoTM:
+      return GetGizmo();
+    case kGetFaceSel:
+      return faceSel_;
   }
   return {};
 }
@@ -92,11 +98,16 @@ bool ControlCore::SetProperty(int getter, TimeValue t, const FPValue& value) {
       const int type = value.ToInt(-1);
       return type >= 0 && type < kShapeTypeCount && block->SetValue(kControlType, t, type);
     }
-    case kGetGizmoPos: return value.As<Point3>() && (SetGizmo(WithGizmoPos(GetGizmo(), value.ToPoint3())), true);
-    case kGetGizmoRot: return value.As<Quat>() && (SetGizmo(WithGizmoRot(GetGizmo(), *value.As<Quat>())), true);
-    case kGetGizmoScale: return value.As<Point3>() && (SetGizmo(WithGizmoScale(GetGizmo(), value.ToPoint3())), true);
-    case kGetGizmoTM: return value.As<Matrix3>() && (SetGizmo(*value.As<Matrix3>()), true);
-    case kGetFaceSel: return value.As<BitArray>() && (SetFaceSel(*value.As<BitArray>()), true);
+    case kGetGizmoPos:
+      return value.As<Point3>() && (SetGizmo(WithGizmoPos(GetGizmo(), value.ToPoint3())), true);
+    case kGetGizmoRot:
+      return value.As<Quat>() && (SetGizmo(WithGizmoRot(GetGizmo(), *value.As<Quat>())), true);
+    case kGetGizmoScale:
+      return value.As<Point3>() && (SetGizmo(WithGizmoScale(GetGizmo(), value.ToPoint3())), true);
+    case kGetGizmoTM:
+      return value.As<Matrix3>() && (SetGizmo(*value.As<Matrix3>()), true);
+    case kGetFaceSel:
+      return value.As<BitArray>() && (SetFaceSel(*value.As<BitArray>()), true);
   }
   return false;
 }

@@ -117,13 +117,17 @@ class CSSelectorFSelRestore final : public corvanta::RestoreObj {
       : owner_(&owner), core_(core), undo_(core.FaceSel()) {}
   void Restore(bool isUndo) override {
     if (isUndo) redo_ = core_.FaceSel();
-    core_.RestoreFaceSel(undo_);
+    PutBack(undo_);
   }
-  void Redo() override { core_.RestoreFaceSel(redo_); }
+  void Redo() override { PutBack(redo_); }
   size_t Size() const override { return sizeof *this + 8 * (undo_.Words().size() + redo_.Words().size()); }
   corvanta::WStr Description() const override { return L"Select Polygons"; }
 
  private:
+  void PutBack(const corvanta::BitArray& selection) {
+    core_.RestoreFaceSel(selection);
+    owner_->NotifyDependents(corvanta::FOREVER, corvanta::PART_GEOM);
+  }
   corvanta::Ref<corvanta::BaseObject> owner_;  // keeps the core alive
   ControlCore& core_;
   corvanta::BitArray undo_, redo_;

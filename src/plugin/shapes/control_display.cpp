@@ -4,6 +4,7 @@
 #include <cwchar>
 
 #include "host/scene/node.h"
+#include "host/view/backdrop.h"
 #include "host/view/draw.h"
 #include "plugin/shapes/control_core.h"
 #include "plugin/shapes/control_params.h"
@@ -15,7 +16,6 @@ using namespace corvanta;
 
 namespace {
 
-constexpr uint32_t kAxisColours[3] = {0xE63C3C, 0x3CC83C, 0x466EFF};
 constexpr uint32_t kSelectedEdgeColour = 0xFF3030;
 // Opacity of the letters of the mode that does not lead.
 constexpr float kIdleLetters = 0.35f;

@@ -16,12 +16,9 @@ const struct {
   const wchar_t* name;
   FPType type;
 } kProperties[] = {
-    {kGetType, L"type", FPType::Enum},
-    {kGetGizmoPos, L"gizmoPos", FPType::Point3},
-    {kGetGizmoRot, L"gizmoRot", FPType::Quat},
-    {kGetGizmoScale, L"gizmoScale", FPType::Point3},
-    {kGetGizmoTM, L"gizmoTM", FPType::Matrix3},
-    {kGetFaceSel, L"selector_face_sel", FPType::BitArray},
+    {kGetType, L"type", FPType::Enum},          {kGetGizmoPos, L"gizmoPos", FPType::Point3},
+    {kGetGizmoRot, L"gizmoRot", FPType::Quat},  {kGetGizmoScale, L"gizmoScale", FPType::Point3},
+    {kGetGizmoTM, L"gizmoTM", FPType::Matrix3}, {kGetFaceSel, L"selector_face_sel", FPType::BitArray},
 };
 
 // The names of the library once more as wide text, which enumerations refer to and never own.

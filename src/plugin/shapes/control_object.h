@@ -2,6 +2,8 @@
 // Forwards an object's operations to its ControlCore; the base is a spline shape or a helper.
 #pragma once
 
+#include "host/scene/node.h"
+#include "plugin/frame/weak_ref_owner.h"
 #include "plugin/shapes/control_core.h"
 #include "plugin/shapes/control_params.h"
 #include "plugin/shapes/gizmo.h"
@@ -9,7 +11,7 @@
 namespace tavrilon {
 
 template <class Base>
-class ControlObject : public Base, public corvanta::WeakParamOwner {
+class ControlObject : public Base, public WeakRefOwner {
  public:
   ControlObject(const corvanta::ParamBlockDesc2& block, const corvanta::FPInterfaceDesc& published, bool loading)
       : core_(*this, published) {
@@ -19,8 +21,9 @@ class ControlObject : public Base, public corvanta::WeakParamOwner {
   ControlCore& Core() { return core_; }
   corvanta::ParamBlock2* GetParamBlock() override { return core_.block; }
 
-  // The base's variants of GetInterface by number stay.
-  using Base::GetInterface;
+  void* GetInterface(uint32_t request) override {
+    return request == WeakRefOwner::kRequest ? static_cast<WeakRefOwner*>(this) : Base::GetInterface(request);
+  }
   corvanta::FPInterface* GetInterface(const corvanta::Interface_ID& id) override {
     return id == core_.GetDesc().id ? &core_ : Base::GetInterface(id);
   }
@@ -33,16 +36,11 @@ class ControlObject : public Base, public corvanta::WeakParamOwner {
   corvanta::Animatable* SubAnim(int i) override { return i == 0 ? core_.block : nullptr; }
   corvanta::WStr SubAnimName(int) override { return L"Parameter"; }
   int SubNumToRefNum(int subAnim) override { return subAnim == 0 ? 0 : -1; }
-  corvanta::RefResult NotifyRefChanged(const corvanta::Interval&, corvanta::ReferenceTarget* target,
-                                       corvanta::PartID& part, corvanta::RefMessage, bool) override {
+  corvanta::RefResult NotifyRefChanged(const corvanta::Interval&, corvanta::ReferenceTarget*, corvanta::PartID&,
+                                       corvanta::RefMessage, bool) override {
     core_.OutlineChanged();
-    core_.SelectorChanged();
-    if (this->subObjLevel_ == kPolygonLevel && !core_.HasSelector()) this->subObjLevel_ = kObjectLevel;
+    DropSelector();
     return corvanta::REF_SUCCEED;
-  }
-  void WeakTargetNotice(corvanta::ParamBlock2&, corvanta::ParamID, int, const corvanta::RefNotice&) override {
-    core_.SelectorChanged();
-    if (this->subObjLevel_ == kPolygonLevel && !core_.HasSelector()) this->subObjLevel_ = kObjectLevel;
   }
   void CopyStateFrom(corvanta::ReferenceTarget& source, corvanta::RemapDir&) override {
     core_.RestoreFaceSel(static_cast<ControlObject&>(source).core_.FaceSel());
@@ -76,8 +74,14 @@ class ControlObject : public Base, public corvanta::WeakParamOwner {
     if (level == kPolygonLevel) core_.InvertFaces();
   }
 
-  std::vector<Point3> GetSubObjectCenters(corvanta::TimeValue t, corvanta::INode* node) override;
-  std::vector<Matrix3> GetSubObjectTMs(corvanta::TimeValue t, corvanta::INode* node) override;
+  std::vector<Point3> GetSubObjectCenters(corvanta::TimeValue t, corvanta::INode* node) override {
+    if (this->subObjLevel_ != kGizmoLevel || !node) return {};
+    return {core_.DrawnGizmo(t).GetTrans() * node->GetObjectTM(t)};
+  }
+  std::vector<Matrix3> GetSubObjectTMs(corvanta::TimeValue t, corvanta::INode* node) override {
+    if (this->subObjLevel_ != kGizmoLevel || !node) return {};
+    return {core_.DrawnGizmo(t) * node->GetObjectTM(t)};
+  }
   /// `parent` is the object's place in the world, `axis` the tool's axes there.
   void Move(corvanta::TimeValue t, const Matrix3& parent, const Matrix3& axis, const Point3& v, bool) override {
     core_.DragGizmo(t, parent, WorldMove(axis, v));
@@ -96,9 +100,21 @@ class ControlObject : public Base, public corvanta::WeakParamOwner {
     core_.OutlineChanged();
     core_.SelectorChanged();
   }
+  corvanta::ReferenceTarget* WeakOwner() override { return this; }
+  corvanta::ParamBlock2* GetWeakBlock() const override { return core_.block; }
+  /// The faces are drawn where the selector node is, so a mesh that only moves changes nothing here.
+  bool PassesOn(corvanta::ParamID, int, const corvanta::RefNotice& notice) override {
+    if (notice.part != corvanta::PART_TM) DropSelector();
+    return false;
+  }
+
   ControlCore core_;
 
  private:
+  void DropSelector() {
+    core_.SelectorChanged();
+    if (this->subObjLevel_ == kPolygonLevel && !core_.HasSelector()) this->subObjLevel_ = kObjectLevel;
+  }
   Matrix3 AboutOrigin(corvanta::TimeValue t, const Matrix3& parent, Matrix3 axis, bool own) const {
     if (own) axis.SetTrans(core_.DrawnGizmo(t).GetTrans() * parent);
     return axis;

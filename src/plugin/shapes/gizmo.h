@@ -31,8 +31,8 @@ Matrix3 WorldScale(const Matrix3& axis, const Point3& s);
 /// Factors of a squash by `amount` along one axis: the others keep the volume. An amount of 0 or below gives no change.
 Point3 SquashFactors(int axis, float amount);
 
-/// The gizmo after a change over world points: gizmo * toWorld * change * Inverse(toWorld). `toWorld` takes the object's
-/// space, with the shape's own scale, to the world; a singular one leaves the gizmo alone.
+/// The gizmo after a change over world points: gizmo * toWorld * change * Inverse(toWorld). `toWorld` takes the
+/// object's space, with the shape's own scale, to the world; a singular one leaves the gizmo alone.
 Matrix3 TransformGizmo(const Matrix3& gizmo, const Matrix3& toWorld, const Matrix3& change);
 
 }  // namespace tavrilon

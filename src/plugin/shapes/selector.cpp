@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/scene/node.h"
+#include "plugin/frame/loop_validator.h"
 #include "plugin/shapes/selector_validator.h"
 
 namespace tavrilon {
@@ -17,7 +18,7 @@ class NotItself final : public PBValidator {
  public:
   bool Validate(ReferenceTarget* owner, ParamID, ReferenceTarget* candidate) override {
     INode* node = candidate ? candidate->AsNode() : nullptr;
-    return node && node->GetBaseObject() != owner;
+    return node && node->GetBaseObject() != owner && MayFollow(owner, node);
   }
 };
 
@@ -55,6 +56,6 @@ FaceSet FacesWhere(const SelectorMesh& mesh, const BitArray& selection, bool sel
   return set;
 }
 
-std::wstring PolygonCountText(int count) { return std::to_wstring(count) + L" Polygons Selected"; }
+WStr PolygonCountText(int count) { return std::to_wstring(count) + L" Polygons Selected"; }
 
 }  // namespace tavrilon

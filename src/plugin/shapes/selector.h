@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/core/bit_array.h"
+#include "host/core/wstr.h"
 #include "host/maths/interval.h"
 #include "host/maths/point.h"
 
@@ -28,7 +29,8 @@ class SelectorMeshSource {
  public:
   virtual ~SelectorMeshSource() = default;
   /// The mesh at `t`; `valid` is narrowed to the time in which it stays.
-  virtual void ReadMesh(corvanta::TimeValue t, corvanta::INode* node, SelectorMesh& mesh, corvanta::Interval& valid) = 0;
+  virtual void ReadMesh(corvanta::TimeValue t, corvanta::INode* node, SelectorMesh& mesh,
+                        corvanta::Interval& valid) = 0;
 };
 inline constexpr uint32_t kSelectorMeshRequest = 0x54560001;
 
@@ -47,6 +49,6 @@ struct FaceSet {
 FaceSet FacesWhere(const SelectorMesh& mesh, const corvanta::BitArray& selection, bool selected);
 
 /// "3 Polygons Selected".
-std::wstring PolygonCountText(int count);
+corvanta::WStr PolygonCountText(int count);
 
 }  // namespace tavrilon

@@ -5,8 +5,8 @@
 
 namespace tavrilon {
 
-/// Refuses nothing picked, and nodes that carry the control itself: a control cannot be its own selector. The link is
-/// weak, so a mesh that the control moves, or that is skinned to bones which follow it, closes no loop.
+/// Refuses nothing picked, nodes that carry the control itself, and nodes whose transform reads it. A mesh that the
+/// control's node moves, or that is skinned to bones which follow it, closes no loop and is welcome.
 corvanta::PBValidator* SelectorNodeValidator();
 
 }  // namespace tavrilon

@@ -178,7 +178,7 @@ bool ParentConstraint::AppendTarget(INode* target, float weight) {
     Matrix3 present;
     Interval valid = FOREVER;
     GetValue(now, present, valid, CTRL_RELATIVE);
-    inner_->ChangeParents(now, initial_.tm, present, present);
+    HandOver(now, initial_.tm, present, present);
     SetInitialTM(present);
   }
   const Matrix3 targetTM = target ? target->GetNodeTM(now) : Matrix3();

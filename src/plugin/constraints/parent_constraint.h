@@ -88,6 +88,8 @@ class ParentConstraint final : public TargetConstraint {
                           const std::vector<corvanta::Matrix3>* overrides = nullptr) const;
   corvanta::Matrix3 BlendNow(bool useOffset) const;
   bool IsTargetsOwnMotion(corvanta::TimeValue t, const corvanta::SetXFormPacket& packet) const;
+  void HandOver(corvanta::TimeValue t, const corvanta::Matrix3& was, const corvanta::Matrix3& now,
+                const corvanta::Matrix3& tm);
   bool IsAncestorBeingScaled() const;
   void RecordSnapshot();
   void Rebase(corvanta::TimeValue t);

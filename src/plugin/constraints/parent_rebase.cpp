@@ -131,10 +131,7 @@ void ParentConstraint::Rebase(TimeValue t) {
     const Matrix3 now = Blend(t, relative, valid);
     Matrix3 tm = was;
     inner_->GetValue(t, tm, valid, CTRL_RELATIVE);
-    if (!inner_->ChangeParents(t, was, now, tm)) {
-      SetXFormPacket packet = SetXFormPacket::Set(tm, now);
-      inner_->SetValue(t, packet, true, CTRL_ABSOLUTE);
-    }
+    HandOver(t, was, now, tm);
   }
   rebasing_ = false;
 }

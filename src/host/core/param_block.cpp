@@ -33,8 +33,7 @@ ParamBlock2::~ParamBlock2() {
   }
 }
 
-// --- cells
-// ------------------------------------------------------------------------------------------------------------
+// Cells.
 
 void ParamBlock2::InitCell(const ParamRow& row, Cell& cell, int index, int tab) {
   cell = Cell();
@@ -95,8 +94,7 @@ const ParamRow* ParamBlock2::GetParamDef(ParamID id) const {
   return index < 0 ? nullptr : &Row(index);
 }
 
-// --- reads
-// ------------------------------------------------------------------------------------------------------------
+// Reads.
 
 float ParamBlock2::SlowFloat(ParamID id, int tab, const Cell& cell, TimeValue t, Interval& valid) const {
   const ParamRow& row = *GetParamDef(id);
@@ -242,8 +240,7 @@ FPValue ParamBlock2::GetConstant(ParamID id, int tab) const {
   }
 }
 
-// --- writes
-// -----------------------------------------------------------------------------------------------------------
+// Writes.
 
 // An animated parameter passes the value on; with animate on, an animatable one gets its controller first, holding the
 // present constant.
@@ -402,8 +399,7 @@ void ParamBlock2::Changed(int index, int tab, TimeValue t, bool tellAccessor) {
   NotifyDependents();
 }
 
-// --- animation
-// --------------------------------------------------------------------------------------------------------
+// Animation.
 
 Control* ParamBlock2::GetController(ParamID id, int tab) const {
   const Cell* cell = Find(id, tab);
@@ -480,8 +476,7 @@ ParamDimension ParamBlock2::GetParamDimension(int subAnim) {
   return row ? row->Dimension() : ParamDimension::Plain;
 }
 
-// --- references
-// -------------------------------------------------------------------------------------------------------
+// References.
 
 /// One place of the block that can hold a strong reference.
 struct ParamBlock2::RefPlace {
@@ -602,8 +597,7 @@ ReferenceTarget* ParamBlock2::Clone(RemapDir& remap) {
   return clone;
 }
 
-// --- loading
-// ----------------------------------------------------------------------------------------------------------
+// Loading.
 
 void ParamBlock2::LoadTarget(ParamID id, int tab, ReferenceTarget* target) {
   const ParamRow* row = GetParamDef(id);

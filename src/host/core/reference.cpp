@@ -46,8 +46,7 @@ class ReferenceRestore final : public RestoreObj {
   Ref<ReferenceTarget> before_, after_;
 };
 
-// --- ReferenceMaker
-// ---------------------------------------------------------------------------------------------------
+// ReferenceMaker.
 
 ReferenceTarget* ReferenceMaker::ReferenceAt(int which) const {
   return which == kCustAttribRef ? custAttribs_ : GetReference(which);
@@ -105,8 +104,7 @@ int ReferenceMaker::FindReference(const ReferenceTarget* target, int from) const
   return kNotFound;
 }
 
-// --- ReferenceTarget
-// --------------------------------------------------------------------------------------------------
+// ReferenceTarget.
 
 ReferenceTarget::~ReferenceTarget() {
   assert(dependents_.empty() && "an object is destroyed while something refers to it");
@@ -262,8 +260,7 @@ CustAttribContainer* ReferenceTarget::MakeCustAttribContainer() {
   return custAttribs_;
 }
 
-// --- monitors
-// ---------------------------------------------------------------------------------------------------------
+// Monitors.
 
 void RefTargMonitor::SetTarget(ReferenceTarget* target) {
   if (target_ == target) return;
@@ -272,8 +269,7 @@ void RefTargMonitor::SetTarget(ReferenceTarget* target) {
   if (target_) target_->monitors_.push_back(this);
 }
 
-// --- cloning
-// ----------------------------------------------------------------------------------------------------------
+// Cloning.
 
 ReferenceTarget* RemapDir::Find(ReferenceTarget* source) const {
   const auto found = map_.find(source);

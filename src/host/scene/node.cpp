@@ -70,8 +70,7 @@ void INode::SetNodeTM(TimeValue t, const Matrix3& tm) {
   tmController_->SetValue(t, packet, true, CTRL_ABSOLUTE);
 }
 
-// --- tree
-// -------------------------------------------------------------------------------------------------------------
+// Tree.
 
 bool INode::IsAncestorOf(const INode* node) const {
   for (; node; node = node->parent_)
@@ -124,8 +123,7 @@ bool INode::AttachChild(INode* child, bool keepPos) {
   return true;
 }
 
-// --- invalidation
-// -----------------------------------------------------------------------------------------------------
+// Invalidation.
 
 // A change of place reaches every descendant, whose own dependents hear of it as of a change of their transform: who
 // watches a joint need not watch the joint's parents. All of it is one message. All matrices go before anyone is told,
@@ -163,8 +161,7 @@ RefResult INode::NotifyRefChanged(const Interval&, ReferenceTarget* target, Part
   return REF_SUCCEED;
 }
 
-// --- references
-// -------------------------------------------------------------------------------------------------------
+// References.
 
 ReferenceTarget* INode::GetReference(int which) const {
   switch (which) {
@@ -250,8 +247,7 @@ ReferenceTarget* INode::Clone(RemapDir& remap) {
   return clone;
 }
 
-// --- plain state
-// ------------------------------------------------------------------------------------------------------
+// Plain state.
 
 void INode::Touch() { RecordState(this, &INode::state_); }
 

@@ -69,8 +69,7 @@ Scene::~Scene() {
   trackRoot_->DeleteAllRefs();
 }
 
-// --- nodes
-// ------------------------------------------------------------------------------------------------------------
+// Nodes.
 
 void Scene::Insert(INode* node, size_t at) {
   nodes_.insert(nodes_.begin() + static_cast<std::ptrdiff_t>(at), node);
@@ -195,8 +194,7 @@ std::vector<INode*> Scene::CloneNodes(const std::vector<INode*>& nodes) {
   return clones;
 }
 
-// --- selection
-// --------------------------------------------------------------------------------------------------------
+// Selection.
 
 void Scene::ApplySelection(const std::vector<INode*>& selection) {
   std::vector<INode*> changed;
@@ -260,8 +258,7 @@ void Scene::LoadSelection(std::vector<INode*> nodes) {
   }
 }
 
-// --- layers
-// -----------------------------------------------------------------------------------------------------------
+// Layers.
 
 SceneLayer* Scene::FindLayer(const WStr& name) const {
   const auto found =
@@ -311,8 +308,7 @@ void SceneLayer::StateRestored() {
   BroadcastNotification(NOTIFY_LAYER_CHANGED, nullptr);
 }
 
-// --- track-view root
-// --------------------------------------------------------------------------------------------------
+// Track-view root.
 
 ReferenceTarget* TrackViewNode::GetReference(int which) const {
   return which >= 0 && which < static_cast<int>(targets_.size()) ? targets_[static_cast<size_t>(which)] : nullptr;
@@ -378,8 +374,7 @@ IOResult TrackViewNode::Load(ILoad& load) {
   return load.Status();
 }
 
-// --- the scene on show
-// ------------------------------------------------------------------------------------------------
+// The scene on show.
 
 Scene& GetScene() {
   if (!Current()) Current() = std::make_unique<Scene>();

@@ -7,7 +7,7 @@
 
 namespace corvanta::script {
 
-// --- values -------------------------------------------------------------------------------------------------
+// Values.
 
 class ConstantNode final : public Node {
  public:
@@ -47,7 +47,7 @@ class FunctionNode final : public Node {
   std::unique_ptr<Assignable> target;
 };
 
-// --- variables ----------------------------------------------------------------------------------------------
+// Variables.
 
 class LocalNode final : public Assignable {
  public:
@@ -152,7 +152,7 @@ class IndexNode final : public Assignable {
   const NodePtr object, key;
 };
 
-// --- operators and calls ------------------------------------------------------------------------------------
+// Operators and calls.
 
 class AssignNode final : public Node {
  public:
@@ -223,7 +223,7 @@ class CallNode final : public Node {
   [[noreturn]] void NotCallable(const Value& value) const;
 };
 
-// --- control flow -------------------------------------------------------------------------------------------
+// Control flow.
 
 class BlockNode final : public Node {
  public:
@@ -306,7 +306,7 @@ class JumpNode final : public Node {
   NodePtr value;
 };
 
-// --- contexts -----------------------------------------------------------------------------------------------
+// Contexts.
 
 enum class ContextKind : uint8_t { Undo, Time, Animate, Redraw };
 

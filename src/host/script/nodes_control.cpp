@@ -25,7 +25,7 @@ class AtExit {
 
 }  // namespace
 
-// --- functions ----------------------------------------------------------------------------------------------
+// Functions.
 
 void ScriptFunction::Visit(void (*visit)(const Value&, void*), void* context) const {
   for (const Value& cell : captured_) visit(cell, context);
@@ -89,7 +89,7 @@ Value FunctionNode::Eval(Frame& frame) const {
   return function;
 }
 
-// --- control flow -------------------------------------------------------------------------------------------
+// Control flow.
 
 Value BlockNode::Eval(Frame& frame) const {
   Value last;
@@ -236,7 +236,7 @@ Value JumpNode::Eval(Frame& frame) const {
   return result;
 }
 
-// --- contexts -----------------------------------------------------------------------------------------------
+// Contexts.
 
 Value ContextNode::Eval(Frame& frame) const {
   ScriptHost& host = frame.vm.host();

@@ -86,7 +86,7 @@ std::shared_ptr<const FunctionCode> Parser::Program() {
   return code;
 }
 
-// --- tokens -------------------------------------------------------------------------------------------------
+// Tokens.
 
 bool Parser::Accept(Tok kind) {
   if (!Is(kind)) return false;
@@ -137,7 +137,7 @@ void Parser::RefuseJumps(size_t mark) const {
     throw ScriptError(L"`return`, `exit` and `continue` must stand as statements, not inside an operand", jumps_[mark]);
 }
 
-// --- expressions --------------------------------------------------------------------------------------------
+// Expressions.
 
 NodePtr Parser::Expression() {
   const Nesting nesting(*this);

@@ -58,8 +58,7 @@ ParentConstraint::ParentConstraint(bool loading)
     if (Control* inner = NewDefaultMatrix3Controller()) BindReference(1, inner);
 }
 
-// --- evaluation
-// -------------------------------------------------------------------------------------------------------
+// Evaluation.
 
 Matrix3 ParentConstraint::TargetTM(int i, TimeValue t, Interval& valid, const std::vector<Matrix3>* overrides) const {
   if (overrides) return (*overrides)[static_cast<size_t>(i)];
@@ -110,8 +109,7 @@ void ParentConstraint::GetValue(TimeValue t, ValueRef value, Interval& valid, Ge
   lastValue_ = tm;
 }
 
-// --- writes
-// -----------------------------------------------------------------------------------------------------------
+// Writes.
 
 bool ParentConstraint::IsAncestorBeingScaled() const {
   const Interface& core = *GetCOREInterface();
@@ -166,8 +164,14 @@ void ParentConstraint::SetValue(TimeValue t, ValueRef value, bool commit, GetSet
   inner_->SetValue(t, packet, commit, method);
 }
 
-// --- targets
-// ----------------------------------------------------------------------------------------------------------
+// The inner controller gets a new parent and keeps the node at `tm`.
+void ParentConstraint::HandOver(TimeValue t, const Matrix3& was, const Matrix3& now, const Matrix3& tm) {
+  if (inner_->ChangeParents(t, was, now, tm)) return;
+  SetXFormPacket packet = SetXFormPacket::Set(tm, now);
+  inner_->SetValue(t, packet, true, CTRL_ABSOLUTE);
+}
+
+// Targets.
 
 bool ParentConstraint::AppendTarget(INode* target, float weight) {
   if (!CanAppend(target)) return false;
@@ -227,8 +231,7 @@ bool ParentConstraint::AssignController(Control* control, int subAnim) {
   return true;
 }
 
-// --- clone, save, load
-// ------------------------------------------------------------------------------------------------
+// Clone, save, load.
 
 void ParentConstraint::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   const auto& from = static_cast<ParentConstraint&>(source);

@@ -91,7 +91,7 @@ void RigControl::ReadBlock() {
   if (!(tm == offset_.tm)) offset_ = Split(tm);
 }
 
-// --- evaluation
+// Evaluation.
 
 void RigControl::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod) {
   if (!block_) return;
@@ -121,7 +121,7 @@ void RigControl::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMe
   }
 }
 
-// --- sub-controllers
+// Sub-controllers.
 
 Control* RigControl::GetRotationController() {
   if (!rotation_ || !block_ || figureMode_ || !WantsGimbalProxy()) return rotation_;
@@ -134,7 +134,7 @@ Control* GetRealRotationController(Control* transform) {
   return transform ? transform->GetRotationController() : nullptr;
 }
 
-// --- interfaces
+// Interfaces.
 
 void* RigControl::GetInterface(uint32_t request) {
   return request == I_LOCKED ? static_cast<ILockedTrack*>(this) : Control::GetInterface(request);
@@ -144,7 +144,7 @@ FPInterface* RigControl::GetInterface(const Interface_ID& id) {
   return id == kId ? static_cast<IRigControl*>(this) : Control::GetInterface(id);
 }
 
-// --- references
+// References.
 
 ReferenceTarget* RigControl::GetReference(int which) const {
   switch (which) {
@@ -200,7 +200,7 @@ void RigControl::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   locked_ = static_cast<RigControl&>(source).locked_;
 }
 
-// --- chunks
+// Chunks.
 
 namespace {
 constexpr uint16_t kLockChunk = 9525;
@@ -224,7 +224,7 @@ IOResult RigControl::Load(ILoad& load) {
 
 ReferenceTarget* CreateRigControl(bool loading) { return new RigControl(loading); }
 
-// --- from a controller or a node to its rig control
+// From a controller or a node to its rig control.
 
 RigControl* FindRigControl(Control* control) {
   while (control && !IsOfClass(control, TavrilonClass::RigControl)) {

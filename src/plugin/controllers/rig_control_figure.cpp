@@ -11,7 +11,7 @@ namespace tavrilon {
 using namespace corvanta;
 using Mod = AnimationManagerMod;
 
-// --- offset
+// Offset.
 
 void RigControl::StoreOffset(const Matrix3& tm) {
   if (block_) block_->SetValue(kOffsetTM, 0, tm);
@@ -53,7 +53,7 @@ void RigControl::SetOffsetScale(const Point3& scale) {
   SetOffsetTM(OffsetFromParts(GetOffsetPos(), GetOffsetRot(), scale));
 }
 
-// --- figure mode
+// Figure mode.
 
 void RigControl::SetFigureMode(bool on) {
   if (!block_) return;

@@ -22,7 +22,7 @@ void* RotationXYZ::GetInterface(uint32_t request) {
   return Control::GetInterface(request);
 }
 
-// --- evaluation
+// Evaluation.
 
 Point3 RotationXYZ::GetTrackValues(TimeValue t) {
   Point3 values;
@@ -60,7 +60,7 @@ void RotationXYZ::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetM
     PreMultiplyLinear(value.Matrix3(), tm_);
 }
 
-// --- writing
+// Writing.
 
 void RotationXYZ::SetValue(TimeValue t, ValueRef value, bool, GetSetMethod method) {
   if (locked_) return;
@@ -142,7 +142,7 @@ void RotationXYZ::Copy(Control* from) {
   if (const ILockedTrack* lock = GetLockedTrack(from)) locked_ = lock->GetLocked();
 }
 
-// --- references
+// References.
 
 ReferenceTarget* RotationXYZ::GetReference(int which) const {
   return which >= 0 && which < 3 ? tracks_.track[which] : nullptr;
@@ -189,7 +189,7 @@ void RotationXYZ::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   valid_.SetEmpty();
 }
 
-// --- chunks
+// Chunks.
 
 namespace {
 

@@ -19,7 +19,7 @@ Value ValueOf(Control* from, Value value = {}, GetSetMethod method = CTRL_ABSOLU
 
 }  // namespace
 
-// --- StaticFloat
+// StaticFloat.
 
 void StaticFloat::GetValue(TimeValue, ValueRef value, Interval&, GetSetMethod method) {
   value.Float() = method == CTRL_ABSOLUTE ? value_ : value_ + value.Float();
@@ -33,7 +33,7 @@ void StaticFloat::Copy(Control* from) {
   CopyLock(from);
 }
 
-// --- StaticPosition
+// StaticPosition.
 
 void StaticPosition::GetValue(TimeValue, ValueRef value, Interval&, GetSetMethod method) {
   if (method == CTRL_ABSOLUTE)
@@ -52,7 +52,7 @@ void StaticPosition::Copy(Control* from) {
   CopyLock(from);
 }
 
-// --- StaticRotation
+// StaticRotation.
 
 void StaticRotation::GetValue(TimeValue, ValueRef value, Interval&, GetSetMethod method) {
   if (method == CTRL_ABSOLUTE)
@@ -69,7 +69,7 @@ void StaticRotation::Copy(Control* from) {
   CopyLock(from);
 }
 
-// --- StaticScale
+// StaticScale.
 
 void StaticScale::GetValue(TimeValue, ValueRef value, Interval&, GetSetMethod method) {
   if (method == CTRL_ABSOLUTE)
@@ -88,7 +88,7 @@ void StaticScale::Copy(Control* from) {
   CopyLock(from);
 }
 
-// --- StaticTransform
+// StaticTransform.
 
 Matrix3 ApplyPacket(const Matrix3& m, const SetXFormPacket& packet) {
   const Matrix3& parent = packet.tmParent;

@@ -25,7 +25,7 @@ void StepFloat::SetReference(int which, ReferenceTarget* target) {
   if (which == 0) wrapped_ = target ? target->AsControl() : nullptr;
 }
 
-// --- evaluation
+// Evaluation.
 
 // With one key or none there is nothing to hold; a wrapped controller without keys says itself how long its value
 // holds.
@@ -85,7 +85,7 @@ void StepFloat::SetValue(TimeValue t, ValueRef value, bool commit, GetSetMethod 
   wrapped_->SetValue(t, wanted, commit, CTRL_ABSOLUTE);
 }
 
-// --- keys
+// Keys.
 
 void StepFloat::AddNewKey(TimeValue t) {
   if (wrapped_) wrapped_->AddNewKey(t);

@@ -28,7 +28,7 @@ inline constexpr size_t kMaxChunkDepth = 64;
 template <class T>
 concept ChunkValue = std::is_trivially_copyable_v<T> && !std::is_pointer_v<T> && !std::is_array_v<T>;
 
-/// Writes a chunk stream into memory. Slips (a chunk too deep or over 4 GiB, an EndChunk too many) are told by Status.
+/// Writes a chunk stream into memory. Slips (a chunk left open, too deep, or over 4 GiB) are told by Status.
 class ISave {
  public:
   void BeginChunk(uint16_t id);
@@ -49,8 +49,8 @@ class ISave {
   /// A length (32 bits) and the bytes as they are.
   void WriteCStr(std::string_view bytes);
 
-  /// OK while nothing went wrong; chunks may be open.
-  IOResult Status() const { return failed_ ? IOResult::Error : IOResult::OK; }
+  /// OK when every chunk is closed and nothing went wrong.
+  IOResult Status() const { return failed_ || !open_.empty() ? IOResult::Error : IOResult::OK; }
   /// How many chunks are open.
   size_t Depth() const { return open_.size(); }
   const std::vector<uint8_t>& Bytes() const { return bytes_; }

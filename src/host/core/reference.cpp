@@ -83,10 +83,7 @@ bool ReferenceMaker::LoadReference(int which, ReferenceTarget* target) {
   ReferenceTarget* old = ReferenceAt(which);
   if (old == target) return true;
   StoreReference(which, target);
-  if (which >= NumRefs() || ReferenceAt(which) != target) {
-    StoreReference(which, old);
-    return false;
-  }
+  if (ReferenceAt(which) != target) return false;
   if (target) AddLink(target);
   if (old) DropLink(old);
   return true;

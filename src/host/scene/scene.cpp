@@ -97,15 +97,6 @@ bool Scene::LoadParent(INode* child, INode* parent) {
   return true;
 }
 
-void Scene::LoadHierarchy(const std::vector<std::pair<INode*, INode*>>& tree) {
-  root_->children_.clear();
-  for (const Ref<INode>& node : nodes_) node->children_.clear();
-  for (const auto& [child, parent] : tree) {
-    child->parent_ = parent;
-    parent->children_.push_back(child);
-  }
-}
-
 INode* Scene::CreateObjectNode(Object* object) {
   const Ref<Object> keep(object);
   INode* node = LoadNode(0);

@@ -131,9 +131,6 @@ class Scene {
   void LoadLayer(Ref<SceneLayer> layer) { layers_.push_back(std::move(layer)); }
   void LoadSelection(std::vector<INode*> nodes);
   bool LoadParent(INode* child, INode* parent);
-  /// The whole tree anew: `tree` has every node but the root once, with its parent, in the order of the children. The
-  /// caller has made sure that there is no loop.
-  void LoadHierarchy(const std::vector<std::pair<INode*, INode*>>& tree);
 
  private:
   friend class NodeDetachment;

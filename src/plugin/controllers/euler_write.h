@@ -24,9 +24,9 @@ corvanta::Point3 GimbalMark(int axis);
 void SetAngles(corvanta::Point3& e, const corvanta::Quat& q, int order);
 
 /// Turns the angles by `turn`, given in the frame that they act in. In this order: a gimbal mark (only with `gimbal`
-/// on) changes the one angle that it names; an axis along one of the three rings, within 0.81 degrees, changes only
-/// that angle; anything else goes by way of a quaternion, in steps of at most 135 degrees, so that no step jumps to the
-/// other side of the Euler range. A turn that is not finite changes nothing.
+/// on) changes the one angle that it names; an axis along one of the three rings, within 0.81 degrees, changes only that
+/// angle; anything else goes by way of a quaternion, in steps of at most 135 degrees, so that no step jumps to the other
+/// side of the Euler range. A turn that is not finite changes nothing.
 void TurnAngles(corvanta::Point3& e, const corvanta::AngAxis& turn, int order, bool gimbal);
 
 }  // namespace tavrilon

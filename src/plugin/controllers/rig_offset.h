@@ -6,8 +6,8 @@
 
 namespace tavrilon {
 
-/// An offset as evaluation wants it: split once when it changes, never while evaluating. With S the stretch (k times
-/// the sign f, along the axes of u), offset = stretch * rotation * T(translation).
+/// An offset as evaluation wants it: split once when it changes, never while evaluating. With S the stretch (k times the
+/// sign f, along the axes of u), offset = stretch * rotation * T(translation).
 struct SplitOffset {
   corvanta::Matrix3 tm;
   corvanta::Point3 translation;
@@ -37,8 +37,7 @@ corvanta::Quat OffsetRotation(const corvanta::Matrix3& offset);
 /// The row lengths, the third negated for a mirrored offset.
 corvanta::Point3 OffsetScale(const corvanta::Matrix3& offset);
 /// m(rotation) with rows scaled, at a place.
-corvanta::Matrix3 OffsetFromParts(const corvanta::Point3& pos, const corvanta::Quat& rot,
-                                  const corvanta::Point3& scale);
+corvanta::Matrix3 OffsetFromParts(const corvanta::Point3& pos, const corvanta::Quat& rot, const corvanta::Point3& scale);
 
 /// The offset with its rotation replaced; translation, mirror sign and stretch stay.
 corvanta::Matrix3 WithRotation(const corvanta::Matrix3& offset, const corvanta::Quat& rotation);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The rotation controller of rig controls: three float tracks and an Euler order. Writes keep the angles continuous,
-// and a turn about one gimbal ring changes exactly one track.
+// The rotation controller of rig controls: three float tracks and an Euler order. Writes keep the angles continuous, and
+// a turn about one gimbal ring changes exactly one track.
 #pragma once
 
 #include <optional>
@@ -20,7 +20,9 @@ struct JointParams {
   Axis axis[3] = {};
 };
 
-class RotationXYZ final : public corvanta::Control, public corvanta::IEulerControl, public corvanta::ILockedTrackImp {
+class RotationXYZ final : public corvanta::Control,
+                          public corvanta::IEulerControl,
+                          public corvanta::ILockedTrackImp {
  public:
   explicit RotationXYZ(bool loading = false);
 
@@ -44,9 +46,7 @@ class RotationXYZ final : public corvanta::Control, public corvanta::IEulerContr
   int GetOrder() const override { return order_; }
   /// 0 to 8; the tracks keep their values. Dropped while locked. Undoable, "Change Euler Order".
   void SetOrder(int order) override;
-  corvanta::Control* GetAxisController(int axis) override {
-    return axis >= 0 && axis < 3 ? tracks_.track[axis] : nullptr;
-  }
+  corvanta::Control* GetAxisController(int axis) override { return axis >= 0 && axis < 3 ? tracks_.track[axis] : nullptr; }
   corvanta::Control* GetXController() override { return tracks_.track[0]; }
   corvanta::Control* GetYController() override { return tracks_.track[1]; }
   corvanta::Control* GetZController() override { return tracks_.track[2]; }

@@ -11,6 +11,18 @@ ControlShape::ControlShape(bool loading) : ControlObject(ControlShapeBlock(), Co
 
 ControlHelper::ControlHelper(bool loading) : ControlObject(ControlHelperBlock(), ControlHelperInterface(), loading) {}
 
+namespace {
+
+// A corner of the host gets handles of its own, which is right only where both spans are lines.
+bool IsBetweenLines(const Spline& spline, int i) {
+  const int count = static_cast<int>(spline.knots.size());
+  const bool lineAfter = i >= spline.SpanCount() || SpanOf(spline, i).IsStraight();
+  const bool lineBefore = (!spline.closed && i == 0) || SpanOf(spline, (i + count - 1) % count).IsStraight();
+  return lineBefore && lineAfter;
+}
+
+}  // namespace
+
 const std::vector<Spline3D>& ControlShape::GetSplines(TimeValue t) {
   const Outline& outline = core_.GetOutline(t);
   splines_.resize(outline.size());
@@ -20,11 +32,10 @@ const std::vector<Spline3D>& ControlShape::GetSplines(TimeValue t) {
     spline.knots.resize(outline[s].knots.size());
     for (int i = 0; i < spline.KnotCount(); ++i) {
       const Knot& knot = outline[s].knots[static_cast<size_t>(i)];
-      const bool straight = knot.inVec == knot.point && knot.outVec == knot.point;
       spline.SetKnotPoint(i, knot.point);
       spline.SetInVec(i, knot.inVec);
       spline.SetOutVec(i, knot.outVec);
-      spline.SetKnotType(i, straight ? KnotType::Corner : KnotType::Curve);
+      spline.SetKnotType(i, IsBetweenLines(outline[s], i) ? KnotType::Corner : KnotType::Curve);
     }
     spline.ComputeBezPoints();
   }

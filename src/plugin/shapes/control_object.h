@@ -39,7 +39,7 @@ class ControlObject : public Base, public WeakRefOwner {
   corvanta::RefResult NotifyRefChanged(const corvanta::Interval&, corvanta::ReferenceTarget*, corvanta::PartID&,
                                        corvanta::RefMessage, bool) override {
     core_.OutlineChanged();
-    DropSelector();
+    DropSelector(false);
     return corvanta::REF_SUCCEED;
   }
   void CopyStateFrom(corvanta::ReferenceTarget& source, corvanta::RemapDir&) override {
@@ -104,16 +104,17 @@ class ControlObject : public Base, public WeakRefOwner {
   corvanta::ParamBlock2* GetWeakBlock() const override { return core_.block; }
   /// The faces are drawn where the selector node is, so a mesh that only moves changes nothing here.
   bool PassesOn(corvanta::ParamID, int, const corvanta::RefNotice& notice) override {
-    if (notice.part != corvanta::PART_TM) DropSelector();
+    if (notice.part != corvanta::PART_TM) DropSelector(notice.message == corvanta::REFMSG_TARGET_DELETED);
     return false;
   }
 
   ControlCore core_;
 
  private:
-  void DropSelector() {
+  /// A node that is being deleted still answers, so it is told apart.
+  void DropSelector(bool deleted) {
     core_.SelectorChanged();
-    if (this->subObjLevel_ == kPolygonLevel && !core_.HasSelector()) this->subObjLevel_ = kObjectLevel;
+    if (this->subObjLevel_ == kPolygonLevel && (deleted || !core_.HasSelector())) this->subObjLevel_ = kObjectLevel;
   }
   Matrix3 AboutOrigin(corvanta::TimeValue t, const Matrix3& parent, Matrix3 axis, bool own) const {
     if (own) axis.SetTrans(core_.DrawnGizmo(t).GetTrans() * parent);

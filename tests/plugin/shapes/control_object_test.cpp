@@ -186,12 +186,15 @@ TEST_F(ControlShapeTest, SplinesAreTheOutline) {
     for (size_t s = 0; s < splines.size(); ++s) {
       EXPECT_EQ(splines[s].closed, outline[s].closed);
       ASSERT_EQ(splines[s].knots.size(), outline[s].knots.size());
-      std::vector<Point3> line;
-      splines[s].Interpolate(5, line);
-      Box3 box;
-      for (const Point3& p : line) box += p;
-      const Box3 expected = BoundsOf({outline[s]}, 5);
-      EXPECT_LT(Length(box.min - expected.min) + Length(box.max - expected.max), 1e-4f);  // of a shape of size 20
+      // The host also divides lines beside a curve, so its points are more.
+      std::vector<Point3> ours, hosts;
+      splines[s].Interpolate(5, hosts);
+      Interpolate(outline[s], 5, ours);
+      for (const Point3& p : ours) {
+        float nearest = 100;
+        for (const Point3& q : hosts) nearest = std::min(nearest, Length(p - q));
+        EXPECT_LT(nearest, 1e-5f);  // of a shape of size 20: the same formula in another order
+      }
     }
   }
 }

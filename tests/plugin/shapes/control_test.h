@@ -35,7 +35,11 @@ class SquareMesh final : public GeomObject, public SelectorMeshSource {
 template <class T>
 class ControlTest : public testing::Test {
  protected:
-  ControlTest() { ReplaceScene(std::make_unique<Scene>()); }
+  ControlTest() {
+    ReplaceScene(std::make_unique<Scene>());
+    control = new T;
+    node = GetScene().CreateObjectNode(control);
+  }
   ~ControlTest() override { ReplaceScene(std::make_unique<Scene>()); }
 
   void SetType(ShapeType type) { block().SetValue(kControlType, 0, static_cast<int>(type)); }
@@ -57,8 +61,8 @@ class ControlTest : public testing::Test {
     return mesh;
   }
 
-  T* control = new T;
-  INode* node = GetScene().CreateObjectNode(control);
+  T* control = nullptr;
+  INode* node = nullptr;
   INode* selector = nullptr;
   std::unique_ptr<RecordingWindow> window;
 };

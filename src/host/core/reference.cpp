@@ -70,7 +70,7 @@ RefResult ReferenceMaker::ReplaceReference(int which, ReferenceTarget* target, b
 }
 
 void ReferenceMaker::BindReference(int which, ReferenceTarget* target, bool delOld) {
-  const Ref<ReferenceTarget> keep(target);
+  const RefGuard keep(target);
   ReferenceTarget* old = ReferenceAt(which);
   if (old == target) return;
   StoreReference(which, target);
@@ -113,6 +113,7 @@ ReferenceTarget::~ReferenceTarget() {
 
 void ReferenceTarget::AddDependent(ReferenceMaker* maker) {
   ClearFlag(A_DORMANT);
+  everOwned_ = true;
   const auto found =
       std::find_if(dependents_.begin(), dependents_.end(), [maker](const Dependent& d) { return d.maker == maker; });
   if (found != dependents_.end()) {
@@ -149,7 +150,7 @@ void ReferenceTarget::MaybeDelete() {
 }
 
 void RefBase::Release(ReferenceTarget* target) {
-  if (target && --target->keepAlive_ == 0) target->MaybeDelete();
+  if (target && --target->keepAlive_ == 0 && target->everOwned_) target->MaybeDelete();
 }
 
 std::vector<ReferenceMaker*> ReferenceTarget::Dependents() const {
@@ -201,7 +202,7 @@ uint32_t ReferenceTarget::NewNoticeNumber() { return ++lastNotice; }
 const RefNotice* ReferenceTarget::CurrentNotice() { return currentNotice; }
 
 void ReferenceTarget::Deliver(const RefNotice& notice) {
-  const Ref<ReferenceTarget> keep(this);
+  const RefGuard keep(this);
   const RefNotice* outer = std::exchange(currentNotice, &notice);
   ++delivering_;
   const size_t count = dependents_.size();
@@ -210,7 +211,8 @@ void ReferenceTarget::Deliver(const RefNotice& notice) {
     if (!maker || dependents_[i].heard == notice.number) continue;
     if (notice.superClass != kAnySuper && maker->SuperClassID() != notice.superClass) continue;
     dependents_[i].heard = notice.number;
-    const Ref<ReferenceTarget> up(maker->AsTarget());
+    ReferenceTarget* up = maker->AsTarget();
+    const RefGuard keepUp(up);
     PartID part = notice.part;
     const RefResult answer = maker->NotifyRefChanged(notice.interval, this, part, notice.message, notice.propagate);
     if (answer == REF_STOP || !notice.propagate || !up) continue;
@@ -229,7 +231,7 @@ void ReferenceTarget::Deliver(const RefNotice& notice) {
 }
 
 void ReferenceTarget::UnlinkDependents() {
-  const Ref<ReferenceTarget> keep(this);
+  const RefGuard keep(this);
   const RefNotice notice{FOREVER, PART_ALL, REFMSG_TARGET_DELETED, kAnySuper, false, this, nullptr, ++lastNotice};
   if (RefMsgsEnabled()) Deliver(notice);
   for (ReferenceMaker* maker : Dependents()) {

@@ -173,6 +173,8 @@ class ReferenceTarget : public ReferenceMaker {
   std::vector<RefTargMonitor*> monitors_;
   int keepAlive_ = 0;
   int delivering_ = 0;
+  /// Bound or held at some time: it goes when nothing binds or holds it any more.
+  bool everOwned_ = false;
   mutable uint32_t loopWalk_ = 0;
 };
 
@@ -181,13 +183,30 @@ void DisableRefMsgs();
 void EnableRefMsgs();
 bool RefMsgsEnabled();
 
-/// Counting part of `Ref`.
+/// Counting part of `Ref` and `RefGuard`.
 class RefBase {
  protected:
   static void Hold(ReferenceTarget* target) {
+    if (!target) return;
+    ++target->keepAlive_;
+    target->everOwned_ = true;
+  }
+  static void Guard(ReferenceTarget* target) {
     if (target) ++target->keepAlive_;
   }
   static void Release(ReferenceTarget* target);
+};
+
+/// Keeps a target alive while it is worked on, and owns nothing: a fresh object that nobody has bound yet outlives it.
+class RefGuard : private RefBase {
+ public:
+  explicit RefGuard(ReferenceTarget* target) : target_(target) { Guard(target_); }
+  ~RefGuard() { Release(target_); }
+  RefGuard(const RefGuard&) = delete;
+  RefGuard& operator=(const RefGuard&) = delete;
+
+ private:
+  ReferenceTarget* target_;
 };
 
 /// Keeps a target alive without being its dependent. A new object goes straight into one.

@@ -103,6 +103,15 @@ TEST_F(ReferenceTest, DisabledMessagesAreNotReplayed) {
   EXPECT_EQ(listener->heard, 1);
 }
 
+TEST_F(ReferenceTest, FreshObjectsOutliveTheirOwnMessages) {
+  auto* fresh = new TestObject;
+  const AnimHandle handle = Animatable::GetHandleByAnim(fresh);
+  fresh->block->SetValue(kCount, 0, 8);  // tells the object, which nothing holds yet
+  ASSERT_EQ(Animatable::GetAnimByHandle(handle), fresh);
+  const Ref<TestObject> held(fresh);
+  EXPECT_EQ(fresh->block->GetInt(kCount), 8);
+}
+
 TEST_F(ReferenceTest, MonitorsSeeWithoutHolding) {
   struct Client final : MonitorClient {
     void MonitoredNotice(RefTargMonitor&, const RefNotice& n) override { messages.push_back(n.message); }

@@ -163,6 +163,9 @@ class SampleFloat final : public Control, public ILockedTrack {
   }
   void SetValue(TimeValue, ValueRef value, bool, GetSetMethod) override { keys = {{0, value.Float()}}; }
   int NumKeys() const override { return static_cast<int>(keys.size()); }
+  TimeValue GetKeyTime(int i) const override {
+    return i >= 0 && i < NumKeys() ? keys[static_cast<size_t>(i)].time : 0;
+  }
   IOResult Save(ISave& save) override {
     save.BeginChunk(1);
     save.Write(static_cast<uint32_t>(keys.size()));

@@ -301,6 +301,26 @@ TEST_F(SceneFileTest, WrongTreesAreRefused) {
   }
 }
 
+/// Samples that refer to one another in a row: two references each, by the block.
+void FillChain(Scene& scene, int length) {
+  INode* node = AddSampleNode(scene, L"chain", 0);
+  SampleObject* at = SampleOf(node);
+  for (int i = 1; i < length; ++i) {
+    auto* next = new SampleObject;
+    at->block->LoadTarget(kTargetParam, 0, next);
+    at = next;
+  }
+}
+
+TEST_F(SceneFileTest, LongChainsOfReferencesAreBounded) {
+  FillChain(GetScene(), 1900);
+  ExpectRoundTrip();
+  ResetScene();
+  FillChain(GetScene(), 2100);
+  Bytes bytes;
+  EXPECT_NE(SaveSceneToBytes(GetScene(), &bytes), L"") << "what could not be read again is not saved";
+}
+
 // --- unknown classes
 
 /// Changes the class number of a class in the bytes, both in the table of classes.

@@ -53,6 +53,7 @@ WStr SaveScene(const WStr& path) {
 }
 
 WStr LoadSceneFromBytes(std::span<const uint8_t> bytes, bool verifyChecksums) {
+  if (theHold.Depth() > 0) return L"a change of the present scene is under way; finish it first";
   scene_format::ParsedScene parsed;
   if (WStr error = ParseScene(bytes, verifyChecksums, &parsed); !error.empty()) return error;
   BuiltScene built;
@@ -78,6 +79,10 @@ WStr LoadScene(const WStr& path) {
   return error.empty() ? WStr() : Format(L"Cannot open \"%s\": %s.", path.c_str(), error.c_str());
 }
 
-void ResetScene() { ReplaceScene(std::make_unique<Scene>()); }
+bool ResetScene() {
+  if (theHold.Depth() > 0) return false;
+  ReplaceScene(std::make_unique<Scene>());
+  return true;
+}
 
 }  // namespace corvanta

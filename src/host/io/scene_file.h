@@ -19,8 +19,9 @@ class Scene;
 /// that names it and what is wrong, and leaves the scene on show as it is. Objects of classes that this program does
 /// not know become placeholders, which are written back when the scene is saved. Sends NOTIFY_SCENE_LOADED.
 [[nodiscard]] WStr LoadScene(const WStr& path);
-/// Replaces the scene on show by an empty one, and forgets undo.
-void ResetScene();
+/// Replaces the scene on show by an empty one, and forgets undo. False, and nothing happens, while an undo step is
+/// open.
+bool ResetScene();
 
 /// The bytes of a scene file. Equal scenes give equal bytes.
 [[nodiscard]] WStr SaveSceneToBytes(const Scene& scene, std::vector<uint8_t>* out);

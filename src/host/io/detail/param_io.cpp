@@ -63,11 +63,6 @@ size_t LeastSize(Form form) {
   }
 }
 
-ReferenceTarget* StrongTarget(const ParamBlock2& block, const ParamRow& row, int tab) {
-  if (!IsTargetType(row.type) || row.Is(kWeak)) return nullptr;
-  return block.GetConstant(row.id, tab).ToTarget();
-}
-
 /// Counts places in the lists as CollectBlockTargets fills them.
 struct Places {
   uint32_t strong = 0, weak = 0;
@@ -76,14 +71,9 @@ struct Places {
 void WriteVector(const Point3& p, ISave& save) { save.Write(p); }
 
 void WriteConstant(const ParamBlock2& block, const ParamRow& row, int tab, Places* places, ISave& save) {
-  if (row.Is(kWeak)) {
-    save.Write(block.GetWeakRaw(row.id, tab) ? ++places->weak : uint32_t{0});
-    return;
-  }
-  if (IsTargetType(row.type)) {
-    save.Write(StrongTarget(block, row, tab) ? ++places->strong : uint32_t{0});
-    return;
-  }
+  // Empty entries have a place too: whether a target is in the file is known only where it is numbered.
+  if (row.Is(kWeak)) return save.Write(++places->weak);
+  if (IsTargetType(row.type)) return save.Write(++places->strong);
   const FPValue value = block.GetConstant(row.id, tab);
   switch (FormOf(row.type)) {
     case Form::Text:
@@ -232,9 +222,9 @@ void CollectBlockTargets(const ParamBlock2& block, std::vector<ReferenceTarget*>
                          std::vector<ReferenceTarget*>* weak) {
   ForEachStoredEntry(block, [&](const ParamRow& row, int k) {
     if (row.Is(kWeak)) {
-      if (ReferenceTarget* target = block.GetWeakRaw(row.id, k)) weak->push_back(target);
-    } else if (ReferenceTarget* target = StrongTarget(block, row, k)) {
-      strong->push_back(target);
+      weak->push_back(block.GetWeakRaw(row.id, k));
+    } else if (IsTargetType(row.type)) {
+      strong->push_back(block.GetConstant(row.id, k).ToTarget());
     }
     if (!row.Is(kAnimatable)) return;
     if (Control* control = block.GetController(row.id, k)) strong->push_back(control);

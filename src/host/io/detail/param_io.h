@@ -22,7 +22,7 @@ void ForEachStoredEntry(const ParamBlock2& block, Visit&& visit) {
   }
 }
 
-/// What a block refers to, in the order in which WriteParams counts them; no null among them.
+/// What a block refers to, in the order in which WriteParams counts them: null for an empty entry.
 void CollectBlockTargets(const ParamBlock2& block, std::vector<ReferenceTarget*>* strong,
                          std::vector<ReferenceTarget*>* weak);
 

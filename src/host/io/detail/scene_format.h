@@ -34,6 +34,8 @@ inline constexpr uint32_t kObjects = FourLetters("OBJS");
 inline constexpr uint32_t kScene = FourLetters("SCEN");
 inline constexpr uint32_t kEnd = FourLetters("END ");
 inline constexpr size_t kSectionHeaderSize = 16;
+/// CRC-32 (as of zlib) over name and length, as they lie in the header, and the bytes.
+uint32_t SectionChecksum(const uint8_t* header, std::span<const uint8_t> bytes);
 
 /// Chunks of the tables.
 enum : uint16_t { kRecordChunk = 1, kParamsChunk = 2, kDataChunk = 3 };

@@ -13,6 +13,14 @@
 #include "host/io/settings.h"
 
 namespace corvanta {
+
+uint32_t scene_format::SectionChecksum(const uint8_t* header, std::span<const uint8_t> bytes) {
+  uLong sum = crc32_z(0, header, 4);
+  sum = crc32_z(sum, header + 8, 8);
+  // zlib takes a null pointer for a request of the first value, and an empty section has no bytes to point at.
+  return static_cast<uint32_t>(bytes.empty() ? sum : crc32_z(sum, bytes.data(), bytes.size()));
+}
+
 namespace {
 
 using namespace scene_format;
@@ -37,7 +45,7 @@ class Sections {
       at += kSectionHeaderSize;
       if (length > bytes.size() - at) return L"the file is cut short";
       const auto body = bytes.subspan(at, static_cast<size_t>(length));
-      if (verifyChecksums && sum != Checksum(header, body))
+      if (verifyChecksums && sum != SectionChecksum(header, body))
         return DamagedText("a checksum is wrong in the section at byte " + std::to_string(at - kSectionHeaderSize));
       if (!found_.emplace(name, Section{body, at}).second) return DamagedText("a section stands twice");
       at += body.size();
@@ -60,11 +68,6 @@ class Sections {
     std::span<const uint8_t> bytes;
     size_t at;
   };
-  static uint32_t Checksum(const uint8_t* header, std::span<const uint8_t> body) {
-    uLong sum = crc32_z(0, header, 4);
-    sum = crc32_z(sum, header + 8, 8);
-    return static_cast<uint32_t>(crc32_z(sum, body.data(), body.size()));
-  }
   std::map<uint32_t, Section> found_;
 };
 

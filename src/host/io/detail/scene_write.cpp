@@ -3,8 +3,6 @@
 // equal bytes.
 #include "host/io/detail/scene_write.h"
 
-#include <zlib.h>
-
 #include <map>
 #include <tuple>
 
@@ -61,9 +59,7 @@ class SceneWriter {
     uint8_t header[kSectionHeaderSize];
     std::memcpy(header, &name, 4);
     std::memcpy(header + 8, &length, 8);
-    uLong sum = crc32_z(0, header, 4);
-    sum = crc32_z(sum, header + 8, 8);
-    const auto crc = static_cast<uint32_t>(crc32_z(sum, bytes.data(), bytes.size()));
+    const uint32_t crc = SectionChecksum(header, bytes);
     std::memcpy(header + 4, &crc, 4);
     out->insert(out->end(), header, header + sizeof header);
     out->insert(out->end(), bytes.begin(), bytes.end());

@@ -8,6 +8,7 @@ namespace {
 
 constexpr float kTanHalfFov = 0.3152988f;  // 35 degrees from top to bottom
 constexpr float kMinSpan = 1e-5f, kMaxSpan = 1e7f;
+constexpr float kFirstSpan = 2.3f;
 constexpr int kMaxSide = 16384;
 constexpr Point3 kAxisX{1, 0, 0}, kAxisY{0, 1, 0}, kAxisZ{0, 0, 1};
 
@@ -20,12 +21,6 @@ constexpr Point3 kViewAxes[3][3] = {
 };
 
 bool IsFinite(const Point3& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
-
-// Half the extent of the box along `axis`.
-float HalfExtent(const Box3& box, const Point3& axis) {
-  const Point3 half = (box.max - box.min) * 0.5f;
-  return half.x * std::fabs(axis.x) + half.y * std::fabs(axis.y) + half.z * std::fabs(axis.z);
-}
 
 }  // namespace
 
@@ -70,23 +65,49 @@ void Camera::LookAt(const Point3& target, float span) {
 }
 
 void Camera::FrameBox(const Box3& box, float margin) {
-  const bool usable = !box.IsEmpty() && IsFinite(box.min) && IsFinite(box.max) && box.Diagonal() < kMaxSpan;
-  if (!usable) return LookAt({}, 2.3f);
-  if (box.Diagonal() < 1e-6f) return LookAt(box.Center(), 2.3f);
+  if (box.IsEmpty()) return FramePoints({}, margin);
+  Point3 corners[8];
+  for (int i = 0; i < 8; ++i) corners[i] = box.Corner(i);
+  FramePoints(corners, margin);
+}
+
+void Camera::FramePoints(std::span<const Point3> points, float margin) {
+  Box3 box;
+  bool usable = !points.empty();
+  for (const Point3& p : points) {
+    usable = usable && IsFinite(p);
+    box += p;
+  }
+  if (!usable || !(box.Diagonal() < kMaxSpan)) return LookAt({}, kFirstSpan);
+  if (box.Diagonal() < 1e-6f) return LookAt(box.Center(), kFirstSpan);
+  LookAt(box.Center(), span_);
+  // A perspective view has to step back before it can tell where the middle of the points is seen, and then again.
+  for (int round = 0; round < (IsPerspective() ? 8 : 1); ++round) {
+    if (IsPerspective()) LookAt(target_, NeededSpan(points, margin));
+    Centre(points);
+  }
+  LookAt(target_, std::max(NeededSpan(points, margin), box.Diagonal() * 1e-3f));
+}
+
+void Camera::Centre(std::span<const Point3> points) {
+  Box3 seen;  // in world units at the depth of the target
+  for (const Point3& p : points) {
+    const Point3 d = p - target_;
+    const float scale = IsPerspective() ? Distance() / std::max(Distance() + Dot(d, forward_), NearDepth()) : 1;
+    seen += Point3{Dot(d, right_) * scale, Dot(d, up_) * scale, 0};
+  }
+  LookAt(target_ + right_ * seen.Center().x + up_ * seen.Center().y, span_);
+}
+
+float Camera::NeededSpan(std::span<const Point3> points, float margin) const {
   const float aspect = static_cast<float>(width_) / static_cast<float>(height_);
-  if (!IsPerspective()) {
-    const float height = 2 * std::max(HalfExtent(box, up_), HalfExtent(box, right_) / aspect);
-    return LookAt(box.Center(), std::max(height, box.Diagonal() * 1e-3f) * margin);
+  float needed = 0;  // half the span, or the distance of the eye
+  for (const Point3& p : points) {
+    const Point3 d = p - target_;
+    const float side = std::max(std::fabs(Dot(d, up_)), std::fabs(Dot(d, right_)) / aspect) * margin;
+    needed = std::max(needed, IsPerspective() ? side / kTanHalfFov - Dot(d, forward_) : side);
   }
-  // The eye stands so far back that each corner lies inside the four side planes.
-  const Point3 centre = box.Center();
-  float distance = 0;
-  for (int i = 0; i < 8; ++i) {
-    const Point3 d = box.Corner(i) - centre;
-    const float side = std::max(std::fabs(Dot(d, up_)), std::fabs(Dot(d, right_)) / aspect);
-    distance = std::max(distance, side * margin / kTanHalfFov - Dot(d, forward_));
-  }
-  LookAt(centre, distance * 2 * kTanHalfFov);
+  return 2 * needed * (IsPerspective() ? kTanHalfFov : 1);
 }
 
 void Camera::Orbit(float yaw, float pitch) {

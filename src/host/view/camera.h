@@ -3,6 +3,8 @@
 // pixels from the top left corner of the picture, y down; the middle of the first pixel is (0.5, 0.5).
 #pragma once
 
+#include <span>
+
 #include "host/maths/box3.h"
 
 namespace corvanta {
@@ -49,8 +51,10 @@ class Camera {
 
   void Resize(int width, int height);
   void LookAt(const Point3& target, float span);
-  /// Moves and zooms so that the whole box is seen with a border: `margin` 1 touches the edges. An empty box or one
-  /// with coordinates that are not finite gives the view of the constructor.
+  /// Moves and zooms so that all points are seen, in the middle and with a border: `margin` 1 touches the edges. No
+  /// points, or one that is not finite, give the view of the constructor.
+  void FramePoints(std::span<const Point3> points, float margin = 1.15f);
+  /// The same for the corners of a box; an empty one counts as no points.
   void FrameBox(const Box3& box, float margin = 1.15f);
   /// Turns a perspective view about its target, radians. The pitch stops just short of straight up and down.
   void Orbit(float yaw, float pitch);
@@ -74,6 +78,8 @@ class Camera {
 
  private:
   float Distance() const;
+  void Centre(std::span<const Point3> points);
+  float NeededSpan(std::span<const Point3> points, float margin) const;
   void UpdateAxes();
 
   ViewKind kind_;

@@ -50,6 +50,18 @@ void DisplaySelectionMark(GraphicsWindow& window, INode& node, TimeValue t) {
   DrawBrackets(window, box);
 }
 
+// The corners of every object's box in the world.
+std::vector<Point3> SeenCorners(Scene& scene, const SceneViewOptions& options) {
+  std::vector<Point3> corners;
+  for (const Ref<INode>& node : scene.Nodes()) {
+    if (!node->GetObjectRef() || !IsNodeSeen(*node, options)) continue;
+    const Box3 box = node->GetObjectRef()->GetLocalBoundBox(options.time, node.Get());
+    if (box.IsEmpty() || !IsFinite(box * node->GetObjectTM(options.time))) continue;
+    for (int i = 0; i < 8; ++i) corners.push_back(box.Corner(i) * node->GetObjectTM(options.time));
+  }
+  return corners;
+}
+
 void DisplayController(GraphicsWindow& window, INode& node, TimeValue t) {
   Control* control = node.GetTMController();
   if (!control) return;
@@ -90,12 +102,14 @@ void DisplayScene(GraphicsWindow& window, Scene& scene, const SceneViewOptions& 
 
 Box3 SceneBounds(Scene& scene, const SceneViewOptions& options) {
   Box3 bounds;
-  for (const Ref<INode>& node : scene.Nodes()) {
-    if (!IsNodeSeen(*node, options)) continue;
-    const Box3 box = node->GetWorldBoundBox(options.time);
-    if (!box.IsEmpty() && IsFinite(box)) bounds += box;
-  }
+  for (const Point3& p : SeenCorners(scene, options)) bounds += p;
   return bounds;
+}
+
+bool FrameScene(Camera& camera, Scene& scene, const SceneViewOptions& options) {
+  const std::vector<Point3> corners = SeenCorners(scene, options);
+  camera.FramePoints(corners);
+  return !corners.empty();
 }
 
 QImage DrawScene(Scene& scene, const Camera& camera, const SceneViewOptions& options, const Backdrop& backdrop) {

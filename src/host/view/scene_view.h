@@ -34,6 +34,8 @@ void DisplayNode(GraphicsWindow& window, INode& node, TimeValue t);
 void DisplayScene(GraphicsWindow& window, Scene& scene, const SceneViewOptions& options);
 /// Around the objects seen, in the world. Objects whose box is not finite are left out.
 Box3 SceneBounds(Scene& scene, const SceneViewOptions& options);
+/// Turns the camera to the objects seen; it fits closer than by SceneBounds. False when there are none.
+bool FrameScene(Camera& camera, Scene& scene, const SceneViewOptions& options);
 QImage DrawScene(Scene& scene, const Camera& camera, const SceneViewOptions& options, const Backdrop& backdrop = {});
 
 /// What the objects seen have in the region, best first; frozen nodes are not hit. See HitTestWindow::Hits.

@@ -6,8 +6,10 @@
 #include "host/scene/bone_object.h"
 #include "host/scene/point_helper.h"
 #include "host/view/recorder.h"
+#include "support/test_objects.h"
 
 using namespace corvanta;
+using namespace corvanta::testing_objects;
 
 namespace {
 
@@ -17,20 +19,25 @@ SceneViewOptions Plain() {
   return options;
 }
 
-INode* AddBone(Scene& scene, const Point3& at, float length = 10) {
-  auto* bone = new BoneObject;
-  bone->GetParamBlock()->SetValue(BoneObject::kLength, 0, length);
-  INode* node = scene.CreateObjectNode(bone);
+using SceneView = SceneTest;
+
+INode* AddNode(Object* object, const Point3& at) {
+  INode* node = GetScene().CreateObjectNode(object);
+  node->SetTMController(new TestMatrix);
   node->SetNodeTM(0, TransMatrix(at));
   return node;
 }
 
-INode* AddPoint(Scene& scene, const Point3& at, float size = 2) {
-  auto* point = new PointHelper;
+INode* AddBone(const Point3& at, float length = 10) {
+  const Ref<BoneObject> bone(new BoneObject);
+  bone->GetParamBlock()->SetValue(BoneObject::kLength, 0, length);
+  return AddNode(bone.Get(), at);
+}
+
+INode* AddPoint(const Point3& at, float size = 2) {
+  const Ref<PointHelper> point(new PointHelper);
   point->GetParamBlock()->SetValue(PointHelper::kSize, 0, size);
-  INode* node = scene.CreateObjectNode(point);
-  node->SetNodeTM(0, TransMatrix(at));
-  return node;
+  return AddNode(point.Get(), at);
 }
 
 int CountOf(const RecordingWindow& window, const INode* node) {
@@ -39,12 +46,12 @@ int CountOf(const RecordingWindow& window, const INode* node) {
   return count;
 }
 
-TEST(SceneView, HiddenNodesAreNotDrawn) {
-  Scene scene;
-  INode* shown = AddBone(scene, {});
-  INode* hidden = AddBone(scene, {0, 20, 0});
-  INode* onLayer = AddBone(scene, {0, 40, 0});
-  INode* filtered = AddPoint(scene, {0, 60, 0});
+TEST_F(SceneView, HiddenNodesAreNotDrawn) {
+  Scene& scene = GetScene();
+  INode* shown = AddBone({});
+  INode* hidden = AddBone({0, 20, 0});
+  INode* onLayer = AddBone({0, 40, 0});
+  INode* filtered = AddPoint({0, 60, 0});
   hidden->Hide(true);
   SceneLayer* layer = scene.MakeLayer(L"Bones");
   onLayer->SetLayer(layer);
@@ -61,9 +68,9 @@ TEST(SceneView, HiddenNodesAreNotDrawn) {
   EXPECT_GT(CountOf(window, onLayer), 0);
 }
 
-TEST(SceneView, ColoursTellTheState) {
-  Scene scene;
-  INode* node = AddPoint(scene, {});
+TEST_F(SceneView, ColoursTellTheState) {
+  Scene& scene = GetScene();
+  INode* node = AddPoint({});
   node->SetWireColor(0x204060);
   const auto colour = [&] {
     RecordingWindow window;
@@ -77,9 +84,9 @@ TEST(SceneView, ColoursTellTheState) {
   EXPECT_EQ(colour(), kSelectedColour);
 }
 
-TEST(SceneView, OffsetGoesBeforeTheNode) {
-  Scene scene;
-  INode* node = AddPoint(scene, {5, 0, 0});
+TEST_F(SceneView, OffsetGoesBeforeTheNode) {
+  Scene& scene = GetScene();
+  INode* node = AddPoint({5, 0, 0});
   node->SetObjOffsetPos({0, 0, 3});
   RecordingWindow window;
   DisplayScene(window, scene, Plain());
@@ -89,11 +96,11 @@ TEST(SceneView, OffsetGoesBeforeTheNode) {
 }
 
 // What is drawn lies in the box that framing goes by.
-TEST(SceneView, BoundsHoldTheDrawing) {
-  Scene scene;
-  AddBone(scene, {-7, 2, 1}, 12);
-  AddBone(scene, {4, 2, 1}, -6);
-  INode* point = AddPoint(scene, {0, -3, 30}, 5);
+TEST_F(SceneView, BoundsHoldTheDrawing) {
+  Scene& scene = GetScene();
+  AddBone({-7, 2, 1}, 12);
+  AddBone({4, 2, 1}, -6);
+  INode* point = AddPoint({0, -3, 30}, 5);
   point->SetObjOffsetScale({{2, 1, 1}, {}});
   RecordingWindow window;
   DisplayScene(window, scene, Plain());
@@ -116,9 +123,9 @@ class DrawingControl final : public Control {
   }
 };
 
-TEST(SceneView, ControllersDrawInTheWorldButAreNotPicked) {
-  Scene scene;
-  INode* node = AddPoint(scene, {});
+TEST_F(SceneView, ControllersDrawInTheWorldButAreNotPicked) {
+  Scene& scene = GetScene();
+  INode* node = AddPoint({});
   node->SetTMController(new DrawingControl);
   RecordingWindow window;
   DisplayScene(window, scene, Plain());
@@ -132,11 +139,11 @@ TEST(SceneView, ControllersDrawInTheWorldButAreNotPicked) {
   EXPECT_EQ(PickNode(scene, camera, {50, 20}, Plain()), nullptr);
 }
 
-TEST(SceneView, ClicksFindTheNode) {
-  Scene scene;
-  INode* far = AddBone(scene, {-5, 10, 0});
-  INode* near = AddBone(scene, {-5, -10, 0});
-  INode* point = AddPoint(scene, {30, 0, 0}, 6);
+TEST_F(SceneView, ClicksFindTheNode) {
+  Scene& scene = GetScene();
+  INode* far = AddBone({-5, 10, 0});
+  INode* near = AddBone({-5, -10, 0});
+  INode* point = AddPoint({30, 0, 0}, 6);
   Camera camera(ViewKind::Front, 200, 100);
   camera.LookAt({}, 50);  // two pixels a unit, the middle is (100, 50)
   EXPECT_EQ(PickNode(scene, camera, {100, 50}, Plain()), near);
@@ -152,9 +159,9 @@ TEST(SceneView, ClicksFindTheNode) {
   EXPECT_EQ(enclosed, std::vector<INode*>{point});
 }
 
-TEST(SceneView, SelectedGeometryHasBrackets) {
-  Scene scene;
-  INode* bone = AddBone(scene, {});
+TEST_F(SceneView, SelectedGeometryHasBrackets) {
+  Scene& scene = GetScene();
+  INode* bone = AddBone({});
   SceneViewOptions options = Plain();
   RecordingWindow without, with;
   scene.SelectNode(bone);
@@ -164,7 +171,7 @@ TEST(SceneView, SelectedGeometryHasBrackets) {
   EXPECT_EQ(with.Primitives().size(), without.Primitives().size() + 24);
 }
 
-TEST(SceneView, HelperPartsFollowTheirSwitches) {
+TEST_F(SceneView, HelperPartsFollowTheirSwitches) {
   struct Row {
     PointHelper::Param param;
     PrimitiveKind kind;
@@ -175,8 +182,9 @@ TEST(SceneView, HelperPartsFollowTheirSwitches) {
                            {PointHelper::kAxisTripod, PrimitiveKind::Polyline, 3},
                            {PointHelper::kCenterMarker, PrimitiveKind::Marker, 1}};
   for (const Row& row : kRows) {
-    Scene scene;
-    INode* node = AddPoint(scene, {});
+    ReplaceScene(std::make_unique<Scene>());
+    Scene& scene = GetScene();
+    INode* node = AddPoint({});
     ParamBlock2* block = node->GetObjectRef()->GetParamBlock();
     block->SetValue(PointHelper::kCross, 0, 0);
     block->SetValue(row.param, 0, 1);
@@ -189,11 +197,12 @@ TEST(SceneView, HelperPartsFollowTheirSwitches) {
 }
 
 // A helper of 40 pixels is that wide however far the camera stands and however the node is scaled.
-TEST(SceneView, ConstantScreenSize) {
+TEST_F(SceneView, ConstantScreenSize) {
   for (float span : {5.0f, 500.0f})
     for (float scale : {1.0f, 3.0f}) {
-      Scene scene;
-      INode* node = AddPoint(scene, {}, 40);
+      ReplaceScene(std::make_unique<Scene>());
+      Scene& scene = GetScene();
+      INode* node = AddPoint({}, 40);
       node->GetObjectRef()->GetParamBlock()->SetValue(PointHelper::kConstantScreenSize, 0, 1);
       Matrix3 tm = ScaleMatrix({scale, scale, scale});
       node->SetNodeTM(0, tm);
@@ -206,12 +215,12 @@ TEST(SceneView, ConstantScreenSize) {
     }
 }
 
-TEST(SceneView, PictureShowsTheBoneInItsColour) {
-  Scene scene;
-  INode* bone = AddBone(scene, {-5, 0, 0});
+TEST_F(SceneView, PictureShowsTheBoneInItsColour) {
+  Scene& scene = GetScene();
+  INode* bone = AddBone({-5, 0, 0});
   bone->SetWireColor(0x00C800);
   Camera camera(ViewKind::Front, 120, 80);
-  camera.FrameBox(SceneBounds(scene, Plain()));
+  EXPECT_TRUE(FrameScene(camera, scene, Plain()));
   const QImage image = DrawScene(scene, camera, Plain());
   int green = 0;
   for (int y = 0; y < 80; ++y)

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// Turns a template into nodes. `RigSystem::CreateRig` runs the steps in this order, with the hold suspended:
+//
+//   Prepare, Build, FinishComponents, then for each extra and side BuildExtra and FinishComponents, then Finish.
+//
+// Resume the hold (corvanta::HoldResume) around host calls that must be undoable: creating nodes, assigning transform
+// controllers, making layers. Every node goes to RigSystem::OwnNode at once.
+#pragma once
+
+#include "plugin/rig/rig_system.h"
+
+namespace tavrilon {
+
+class RigBuilder {
+ public:
+  explicit RigBuilder(RigSystem& rig);
+
+  /// Layers, `main`, panel, pose kit and root bone.
+  void Prepare();
+  /// The components of the rig's type.
+  void Build();
+  /// Attaches what waited for a parent that came later.
+  void FinishComponents();
+  /// One side (right, left or centre) of an extra.
+  void BuildExtra(const RigExtra& extra, int side);
+  /// Standing parts of the panel, mirror pairs, main's place, figure mode off.
+  void Finish();
+
+ private:
+  RigSystem& rig_;
+  PointFrames frames_;
+  corvanta::INode* main_ = nullptr;
+};
+
+}  // namespace tavrilon

@@ -17,8 +17,9 @@ class NativeClass final : public ClassObject {
     if (!row_.body) FailWith(L"%s values are not made by a call; convert with `as`", row_.name);
     const int given = static_cast<int>(args.Count());
     if (given < row_.minArgs || given > row_.maxArgs)
-      args.WrongCount(row_.minArgs == row_.maxArgs ? std::to_wstring(row_.minArgs)
-                                                   : std::to_wstring(row_.minArgs) + L" to " + std::to_wstring(row_.maxArgs));
+      args.WrongCount(row_.minArgs == row_.maxArgs
+                          ? std::to_wstring(row_.minArgs)
+                          : std::to_wstring(row_.minArgs) + L" to " + std::to_wstring(row_.maxArgs));
     args.CheckKeywords({});
     return row_.body(args);
   }
@@ -33,8 +34,10 @@ Table MakeTable() {
   Table table;
   for (const auto rows : {MathsBuiltins(), TransformBuiltins(), StringBuiltins(), ArrayBuiltins(), CoreBuiltins()})
     for (const BuiltinRow& row : rows)
-      table[ToLower(row.name)] = Value::Heap(Kind::Callable, new NativeFunction(row.name, row.body, row.minArgs, row.maxArgs));
-  for (const BuiltinRow& row : ClassBuiltins()) table[ToLower(row.name)] = Value::Heap(Kind::Class, new NativeClass(row));
+      table[ToLower(row.name)] =
+          Value::Heap(Kind::Callable, new NativeFunction(row.name, row.body, row.minArgs, row.maxArgs));
+  for (const BuiltinRow& row : ClassBuiltins())
+    table[ToLower(row.name)] = Value::Heap(Kind::Class, new NativeClass(row));
   table[L"pi"] = Value::Float(3.14159265358979323846);
   return table;
 }

@@ -133,10 +133,18 @@ Value ApplyTo(const CallArgs& args) {
 }
 
 const BuiltinRow kRows[] = {
-    {L"append", Append, 2, 2},       {L"appendIfUnique", AppendIfUnique, 2, 2}, {L"insertItem", InsertItem, 3, 3},
-    {L"deleteItem", DeleteItem, 2, 2}, {L"findItem", FindItem, 2, 2},           {L"join", Join, 2, 2},
-    {L"copy", Copy, 1, 1},           {L"reverse", Reverse, 1, 1},               {L"sort", Sort, 1, 1},
-    {L"qsort", SortBy, 2, 2},        {L"amin", Smallest, 1, 1},                 {L"amax", Largest, 1, 1},
+    {L"append", Append, 2, 2},
+    {L"appendIfUnique", AppendIfUnique, 2, 2},
+    {L"insertItem", InsertItem, 3, 3},
+    {L"deleteItem", DeleteItem, 2, 2},
+    {L"findItem", FindItem, 2, 2},
+    {L"join", Join, 2, 2},
+    {L"copy", Copy, 1, 1},
+    {L"reverse", Reverse, 1, 1},
+    {L"sort", Sort, 1, 1},
+    {L"qsort", SortBy, 2, 2},
+    {L"amin", Smallest, 1, 1},
+    {L"amax", Largest, 1, 1},
     {L"apply", ApplyTo, 2, 2},
 };
 

@@ -32,7 +32,8 @@ WStr Filled(const CallArgs& args) {
     } else if (pattern[i] != L'%') {
       out += pattern[i];
     } else {
-      if (next >= args.Count()) Fail(args.CalleeName() + L": more `%` in the text than values after it; write \\% for the sign itself");
+      if (next >= args.Count())
+        Fail(args.CalleeName() + L": more `%` in the text than values after it; write \\% for the sign itself");
       out += PlainText(args[next++]);
       MemoryUse::Check(out.size() * sizeof(wchar_t));
     }

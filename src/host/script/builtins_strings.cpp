@@ -147,12 +147,18 @@ Value Fixed(const CallArgs& args) {
 }
 
 const BuiltinRow kRows[] = {
-    {L"substring", Substring, 2, 3},       {L"findString", FindString, 2, 2},
-    {L"substituteString", SubstituteString, 3, 3}, {L"filterString", FilterString, 2, 2},
-    {L"joinStrings", JoinStrings, 1, 2},   {L"toLower", LowerCase, 1, 1},
-    {L"toUpper", UpperCase, 1, 1},         {L"trimLeft", TrimLeft, 1, 2},
-    {L"trimRight", TrimRight, 1, 2},       {L"matchPattern", MatchPattern, 1, 2},
-    {L"charToInt", CharacterCode, 1, 1},   {L"intToChar", CharacterOf, 1, 1},
+    {L"substring", Substring, 2, 3},
+    {L"findString", FindString, 2, 2},
+    {L"substituteString", SubstituteString, 3, 3},
+    {L"filterString", FilterString, 2, 2},
+    {L"joinStrings", JoinStrings, 1, 2},
+    {L"toLower", LowerCase, 1, 1},
+    {L"toUpper", UpperCase, 1, 1},
+    {L"trimLeft", TrimLeft, 1, 2},
+    {L"trimRight", TrimRight, 1, 2},
+    {L"matchPattern", MatchPattern, 1, 2},
+    {L"charToInt", CharacterCode, 1, 1},
+    {L"intToChar", CharacterOf, 1, 1},
     {L"fixed", Fixed, 2, 2},
 };
 

@@ -14,13 +14,17 @@ namespace {
 float Single(const CallArgs& args, size_t i) { return static_cast<float>(args.Number(i)); }
 float Angle(const CallArgs& args, size_t i) { return static_cast<float>(args.Number(i) / 57.295779513082320877); }
 
-Value DotProduct(const CallArgs& args) { return Value::Float(static_cast<double>(Dot(args.Point3(0), args.Point3(1)))); }
+Value DotProduct(const CallArgs& args) {
+  return Value::Float(static_cast<double>(Dot(args.Point3(0), args.Point3(1))));
+}
 Value CrossProduct(const CallArgs& args) { return Value::Of(Cross(args.Point3(0), args.Point3(1))); }
 Value VectorLength(const CallArgs& args) {
   if (args[0].Is(Kind::Point2)) return Value::Float(static_cast<double>(Length(args[0].AsPoint2())));
   return Value::Float(static_cast<double>(Length(args.Point3(0))));
 }
-Value Distance(const CallArgs& args) { return Value::Float(static_cast<double>(Length(args.Point3(1) - args.Point3(0)))); }
+Value Distance(const CallArgs& args) {
+  return Value::Float(static_cast<double>(Length(args.Point3(1) - args.Point3(0))));
+}
 Value Normalized(const CallArgs& args) {
   if (args[0].Is(Kind::Quat)) return Value::Of(Normalize(args[0].AsQuat()));
   return Value::Of(Normalize(args.Point3(0)));
@@ -29,7 +33,9 @@ Value LinearBlend(const CallArgs& args) {
   if (args[0].IsNumber()) return Value::Float(args.Number(0) + (args.Number(1) - args.Number(0)) * args.Number(2));
   return Value::Of(Lerp(args.Point3(0), args.Point3(1), Single(args, 2)));
 }
-Value SphericalBlend(const CallArgs& args) { return Value::Of(SlerpClosest(args.Quat(0), args.Quat(1), Single(args, 2))); }
+Value SphericalBlend(const CallArgs& args) {
+  return Value::Of(SlerpClosest(args.Quat(0), args.Quat(1), Single(args, 2)));
+}
 
 Value Inverted(const CallArgs& args) {
   if (args[0].Is(Kind::Quat)) return Value::Of(Inverse(args[0].AsQuat()));
@@ -61,7 +67,9 @@ Value ToEuler(const CallArgs& args) {
 }
 
 Value MakePoint2(const CallArgs& args) { return Value::Of(corvanta::Point2{Single(args, 0), Single(args, 1)}); }
-Value MakePoint3(const CallArgs& args) { return Value::Of(corvanta::Point3{Single(args, 0), Single(args, 1), Single(args, 2)}); }
+Value MakePoint3(const CallArgs& args) {
+  return Value::Of(corvanta::Point3{Single(args, 0), Single(args, 1), Single(args, 2)});
+}
 Value MakePoint4(const CallArgs& args) {
   return Value::Of(corvanta::Point4{Single(args, 0), Single(args, 1), Single(args, 2), Single(args, 3)});
 }
@@ -90,31 +98,21 @@ Value MakeColor(const CallArgs& args) {
 Value MakeInterval(const CallArgs& args) { return Value::Of(corvanta::Interval{args.Time(0), args.Time(1)}); }
 
 const BuiltinRow kRows[] = {
-    {L"dot", DotProduct, 2, 2},
-    {L"cross", CrossProduct, 2, 2},
-    {L"length", VectorLength, 1, 1},
-    {L"distance", Distance, 2, 2},
-    {L"normalize", Normalized, 1, 1},
-    {L"lerp", LinearBlend, 3, 3},
-    {L"slerp", SphericalBlend, 3, 3},
-    {L"inverse", Inverted, 1, 1},
-    {L"orthogonalize", Orthogonal, 1, 1},
-    {L"transMatrix", Translation, 1, 1},
-    {L"scaleMatrix", Scaling, 1, 1},
-    {L"rotateXMatrix", TurnX, 1, 1},
-    {L"rotateYMatrix", TurnY, 1, 1},
-    {L"rotateZMatrix", TurnZ, 1, 1},
-    {L"eulerToQuat", FromEuler, 1, 2},
+    {L"dot", DotProduct, 2, 2},          {L"cross", CrossProduct, 2, 2},   {L"length", VectorLength, 1, 1},
+    {L"distance", Distance, 2, 2},       {L"normalize", Normalized, 1, 1}, {L"lerp", LinearBlend, 3, 3},
+    {L"slerp", SphericalBlend, 3, 3},    {L"inverse", Inverted, 1, 1},     {L"orthogonalize", Orthogonal, 1, 1},
+    {L"transMatrix", Translation, 1, 1}, {L"scaleMatrix", Scaling, 1, 1},  {L"rotateXMatrix", TurnX, 1, 1},
+    {L"rotateYMatrix", TurnY, 1, 1},     {L"rotateZMatrix", TurnZ, 1, 1},  {L"eulerToQuat", FromEuler, 1, 2},
     {L"quatToEuler", ToEuler, 1, 2},
 };
 
 const BuiltinRow kClasses[] = {
-    {L"Undefined", nullptr, 0, 0},   {L"Ok", nullptr, 0, 0},        {L"Boolean", nullptr, 0, 0},
-    {L"Integer", nullptr, 0, 0},     {L"Float", nullptr, 0, 0},     {L"Time", nullptr, 0, 0},
-    {L"Point2", MakePoint2, 2, 2},   {L"Point3", MakePoint3, 3, 3}, {L"Point4", MakePoint4, 4, 4},
-    {L"Quat", MakeQuat, 2, 4},       {L"Color", MakeColor, 3, 3},   {L"Interval", MakeInterval, 2, 2},
-    {L"String", nullptr, 0, 0},      {L"Name", nullptr, 0, 0},      {L"Matrix3", MakeMatrix3, 1, 4},
-    {L"Array", nullptr, 0, 0},       {L"Function", nullptr, 0, 0},  {L"Class", nullptr, 0, 0},
+    {L"Undefined", nullptr, 0, 0}, {L"Ok", nullptr, 0, 0},        {L"Boolean", nullptr, 0, 0},
+    {L"Integer", nullptr, 0, 0},   {L"Float", nullptr, 0, 0},     {L"Time", nullptr, 0, 0},
+    {L"Point2", MakePoint2, 2, 2}, {L"Point3", MakePoint3, 3, 3}, {L"Point4", MakePoint4, 4, 4},
+    {L"Quat", MakeQuat, 2, 4},     {L"Color", MakeColor, 3, 3},   {L"Interval", MakeInterval, 2, 2},
+    {L"String", nullptr, 0, 0},    {L"Name", nullptr, 0, 0},      {L"Matrix3", MakeMatrix3, 1, 4},
+    {L"Array", nullptr, 0, 0},     {L"Function", nullptr, 0, 0},  {L"Class", nullptr, 0, 0},
 };
 
 }  // namespace

@@ -101,7 +101,8 @@ std::optional<TimeValue> ToTime(const Value& value) {
 }
 std::optional<corvanta::Point3> ToPoint3(const Value& value) {
   if (value.Is(Kind::Point3)) return value.AsPoint3();
-  if (value.Is(Kind::Point4)) return corvanta::Point3{value.Components()[0], value.Components()[1], value.Components()[2]};
+  if (value.Is(Kind::Point4))
+    return corvanta::Point3{value.Components()[0], value.Components()[1], value.Components()[2]};
   if (value.Is(Kind::Colour)) {
     const corvanta::Colour c = value.AsColour();
     return corvanta::Point3{c.r * 255, c.g * 255, c.b * 255};

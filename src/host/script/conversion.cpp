@@ -115,22 +115,33 @@ std::optional<Value> ToArray(const Value& v) {
   }
   const float scale = v.Is(Kind::Colour) ? 255.0f : 1.0f;
   if (ComponentCount(v.kind()) == 0) return {};
-  for (int i = 0; i < ComponentCount(v.kind()); ++i) items.Append(Value::Float(static_cast<double>(v.Components()[i] * scale)));
+  for (int i = 0; i < ComponentCount(v.kind()); ++i)
+    items.Append(Value::Float(static_cast<double>(v.Components()[i] * scale)));
   return out;
 }
 
 std::optional<Value> TryConvert(const Value& v, ConversionType type) {
   switch (type) {
-    case ConversionType::Boolean: return v.Is(Kind::Bool) ? std::optional(v) : v.Is(Kind::Int) ? std::optional(Value::Bool(v.AsInt() != 0)) : std::nullopt;
+    case ConversionType::Boolean:
+      return v.Is(Kind::Bool)  ? std::optional(v)
+             : v.Is(Kind::Int) ? std::optional(Value::Bool(v.AsInt() != 0))
+                               : std::nullopt;
     case ConversionType::Integer:
     case ConversionType::Float:
-    case ConversionType::Time: return ToNumeric(v, type);
-    case ConversionType::String: return Value::String(v.Is(Kind::Name) ? v.AsText() : PlainText(v));
-    case ConversionType::Name: return v.IsText() ? std::optional(Value::Name(v.AsText())) : std::nullopt;
-    case ConversionType::Point2: return ToComponents(v, Kind::Point2);
-    case ConversionType::Point3: return ToComponents(v, Kind::Point3);
-    case ConversionType::Point4: return ToComponents(v, Kind::Point4);
-    case ConversionType::Color: return ToComponents(v, Kind::Colour);
+    case ConversionType::Time:
+      return ToNumeric(v, type);
+    case ConversionType::String:
+      return Value::String(v.Is(Kind::Name) ? v.AsText() : PlainText(v));
+    case ConversionType::Name:
+      return v.IsText() ? std::optional(Value::Name(v.AsText())) : std::nullopt;
+    case ConversionType::Point2:
+      return ToComponents(v, Kind::Point2);
+    case ConversionType::Point3:
+      return ToComponents(v, Kind::Point3);
+    case ConversionType::Point4:
+      return ToComponents(v, Kind::Point4);
+    case ConversionType::Color:
+      return ToComponents(v, Kind::Colour);
     case ConversionType::Quat: {
       const auto q = ToQuat(v);
       return q ? std::optional(Value::Of(*q)) : std::nullopt;
@@ -139,7 +150,8 @@ std::optional<Value> TryConvert(const Value& v, ConversionType type) {
       const auto m = ToMatrix(v);
       return m ? std::optional(Value::Of(*m)) : std::nullopt;
     }
-    case ConversionType::Array: return ToArray(v);
+    case ConversionType::Array:
+      return ToArray(v);
   }
   return {};
 }
@@ -154,7 +166,8 @@ int ComponentIndex(Kind kind, const WStr& name) {
 
 int RowIndex(const WStr& name) {
   if (name == L"pos" || name == L"translation") return 3;
-  return name.size() == 4 && name.compare(0, 3, L"row") == 0 && name[3] >= L'1' && name[3] <= L'4' ? name[3] - L'1' : -1;
+  return name.size() == 4 && name.compare(0, 3, L"row") == 0 && name[3] >= L'1' && name[3] <= L'4' ? name[3] - L'1'
+                                                                                                   : -1;
 }
 
 bool GetMatrixProperty(const Matrix3& m, const WStr& name, Value& out) {
@@ -173,7 +186,8 @@ bool GetComponentProperty(const Value& v, const WStr& name, Value& out) {
   if (i >= 0) return out = Value::Float(static_cast<double>(v.Components()[i] * scale)), true;
   if (v.Is(Kind::Quat) && (name == L"angle" || name == L"axis")) {
     const AngAxis aa = AngAxisFromQuat(v.AsQuat());
-    out = name == L"axis" ? Value::Of(aa.axis) : Value::Float(static_cast<double>(aa.angle) * 180 / 3.14159265358979323846);
+    out = name == L"axis" ? Value::Of(aa.axis)
+                          : Value::Float(static_cast<double>(aa.angle) * 180 / 3.14159265358979323846);
     return true;
   }
   return false;
@@ -228,12 +242,14 @@ bool GetValueProperty(const Value& value, const WStr& name, Value& out) {
       if (name == L"frame") return out = Value::Float(FramesFromTicks(value.AsTime())), true;
       if (name == L"ticks") return out = Value::Int(value.AsTime()), true;
       return false;
-    case Kind::Matrix: return GetMatrixProperty(value.AsMatrix(), name, out);
+    case Kind::Matrix:
+      return GetMatrixProperty(value.AsMatrix(), name, out);
     case Kind::Callable:
     case Kind::Class:
       if (name != L"name") return false;
       return out = Value::String(value.AsCallable().Name()), true;
-    default: return GetComponentProperty(value, name, out);
+    default:
+      return GetComponentProperty(value, name, out);
   }
 }
 

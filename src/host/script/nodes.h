@@ -86,7 +86,9 @@ class CapturedNode final : public Assignable {
  public:
   CapturedNode(Pos pos, int i) : Assignable(pos), index(i) {}
   Value Load(Frame& frame, const Place&) const override { return frame.function->Captured(index).value; }
-  void Store(Frame& frame, const Place&, const Value& value) const override { frame.function->Captured(index).value = value; }
+  void Store(Frame& frame, const Place&, const Value& value) const override {
+    frame.function->Captured(index).value = value;
+  }
   const int index;
 };
 
@@ -214,10 +216,10 @@ class CallNode final : public Node {
   CallNode(Pos pos, NodePtr c) : Node(pos), callee(std::move(c)) {}
   Value Eval(Frame& frame) const override;
   const NodePtr callee;
-  std::vector<NodePtr> args;       // positional, then one for each keyword
+  std::vector<NodePtr> args;  // positional, then one for each keyword
   std::vector<WStr> keywords;
-  WStr calleeText;                 // for messages
-  bool minusArgument = false;      // `x -1`, which may have been meant as a subtraction
+  WStr calleeText;             // for messages
+  bool minusArgument = false;  // `x -1`, which may have been meant as a subtraction
 
  private:
   [[noreturn]] void NotCallable(const Value& value) const;
@@ -316,8 +318,8 @@ class ContextNode final : public Node {
   Value Eval(Frame& frame) const override;
   bool PassesSignals() const override { return true; }
   const ContextKind kind;
-  NodePtr label;   // undo only, may be null
-  NodePtr setting; // a boolean, or the time
+  NodePtr label;    // undo only, may be null
+  NodePtr setting;  // a boolean, or the time
   NodePtr body;
 };
 

@@ -51,7 +51,8 @@ void ScriptFunction::BindParameters(Frame& frame, const CallArgs& args) const {
 }
 
 Value ScriptFunction::Call(const CallArgs& args) {
-  if (args.Count() != static_cast<size_t>(code_->positionalCount)) args.WrongCount(std::to_wstring(code_->positionalCount));
+  if (args.Count() != static_cast<size_t>(code_->positionalCount))
+    args.WrongCount(std::to_wstring(code_->positionalCount));
   for (const WStr& keyword : args.Keywords()) {
     bool known = false;
     for (const Parameter& p : code_->parameters) known = known || (p.keyword && p.name == keyword);
@@ -135,9 +136,15 @@ bool ForNode::RunBody(Pass& pass, const Value& item) const {
     case Signal::None:
       if (collect) pass.result.AsArray().Append(value);
       return true;
-    case Signal::Continue: frame.signal = Signal::None; return true;
-    case Signal::Exit: frame.signal = Signal::None; return false;
-    case Signal::Return: pass.result = std::move(value); return false;
+    case Signal::Continue:
+      frame.signal = Signal::None;
+      return true;
+    case Signal::Exit:
+      frame.signal = Signal::None;
+      return false;
+    case Signal::Return:
+      pass.result = std::move(value);
+      return false;
   }
   return false;
 }
@@ -153,7 +160,8 @@ void ForNode::Count(Pass& pass) const {
   const Value step = by ? by->Eval(pass.frame) : Value::Int(1);
   const auto isTime = [](const Value& v) { return v.Is(Kind::Time); };
   for (const auto& [value, node] : {std::pair(&first, &from), std::pair(&last, &to), std::pair(&step, &by)})
-    if (!value->IsNumber() && !isTime(*value)) throw ScriptError(L"expected a number or a time in the range, got " + Describe(*value), (*node)->pos);
+    if (!value->IsNumber() && !isTime(*value))
+      throw ScriptError(L"expected a number or a time in the range, got " + Describe(*value), (*node)->pos);
   if (isTime(first) || isTime(last)) {
     const int64_t a = *ToTime(first), b = *ToTime(last), s = *ToTime(step);
     if (s == 0) throw ScriptError(L"the step of a loop must not be zero", by ? by->pos : pos);

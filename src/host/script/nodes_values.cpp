@@ -107,7 +107,8 @@ Value GlobalNode::LoadUnset(Frame& frame) const {
   const WStr& name = frame.vm.GlobalName(index);
   Value builtin;  // a class that no variable hides
   if (FindBuiltin(name, builtin)) return builtin;
-  if (frame.vm.host().FindGlobal(name) != GlobalUse::None) return At(pos, [&] { return frame.vm.host().GetGlobal(name); });
+  if (frame.vm.host().FindGlobal(name) != GlobalUse::None)
+    return At(pos, [&] { return frame.vm.host().GetGlobal(name); });
   throw ScriptError(L"unknown name `" + name + L"`", pos);
 }
 
@@ -216,19 +217,28 @@ Value BinaryNode::Eval(Frame& frame) const {
       case BinaryOp::Multiply:
         if (!__builtin_mul_overflow(x, y, &r)) return Value::Int(r);
         break;
-      case BinaryOp::Less: return Value::Bool(x < y);
-      case BinaryOp::Greater: return Value::Bool(x > y);
-      case BinaryOp::Equal: return Value::Bool(x == y);
-      default: break;
+      case BinaryOp::Less:
+        return Value::Bool(x < y);
+      case BinaryOp::Greater:
+        return Value::Bool(x > y);
+      case BinaryOp::Equal:
+        return Value::Bool(x == y);
+      default:
+        break;
     }
   } else if (a.Is(Kind::Float) && b.IsNumber()) {
     const double x = a.AsFloat(), y = b.Number();
     switch (op) {
-      case BinaryOp::Add: return Value::Float(x + y);
-      case BinaryOp::Subtract: return Value::Float(x - y);
-      case BinaryOp::Multiply: return Value::Float(x * y);
-      case BinaryOp::Divide: return Value::Float(x / y);
-      default: break;
+      case BinaryOp::Add:
+        return Value::Float(x + y);
+      case BinaryOp::Subtract:
+        return Value::Float(x - y);
+      case BinaryOp::Multiply:
+        return Value::Float(x * y);
+      case BinaryOp::Divide:
+        return Value::Float(x / y);
+      default:
+        break;
     }
   }
   try {

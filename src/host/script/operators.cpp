@@ -16,7 +16,7 @@ int g_ticksPerFrame = kTicksPerSecond / 30;
 
 [[noreturn]] void Mismatch(BinaryOp op, const Value& a, const Value& b) {
   WStr message = L"cannot apply " + WStr(OpText(op)) + L" to " + Describe(a) + L" and " + Describe(b);
-  if (op == BinaryOp::Add && b.Is(Kind::String)) message += L"; write `(x as string) + ...`";
+  if (op == BinaryOp::Add && b.Is(Kind::String) && a.kind() > Kind::Ok) message += L"; write `(x as string) + ...`";
   Fail(message);
 }
 
@@ -38,15 +38,22 @@ Value IntArithmetic(BinaryOp op, int64_t a, int64_t b) {
   int64_t r = 0;
   bool overflow = false;
   switch (op) {
-    case BinaryOp::Add: overflow = __builtin_add_overflow(a, b, &r); break;
-    case BinaryOp::Subtract: overflow = __builtin_sub_overflow(a, b, &r); break;
-    case BinaryOp::Multiply: overflow = __builtin_mul_overflow(a, b, &r); break;
+    case BinaryOp::Add:
+      overflow = __builtin_add_overflow(a, b, &r);
+      break;
+    case BinaryOp::Subtract:
+      overflow = __builtin_sub_overflow(a, b, &r);
+      break;
+    case BinaryOp::Multiply:
+      overflow = __builtin_mul_overflow(a, b, &r);
+      break;
     case BinaryOp::Divide:
       if (b == 0) Fail(L"division of an integer by zero");
       overflow = b == -1 && __builtin_sub_overflow(int64_t{0}, a, &r);
       if (b != -1) r = a / b;
       break;
-    default: return b >= 0 ? IntPower(a, b) : Value::Float(std::pow(static_cast<double>(a), static_cast<double>(b)));
+    default:
+      return b >= 0 ? IntPower(a, b) : Value::Float(std::pow(static_cast<double>(a), static_cast<double>(b)));
   }
   if (overflow) FailWith(L"integer overflow in %s", OpText(op));
   return Value::Int(r);
@@ -54,11 +61,16 @@ Value IntArithmetic(BinaryOp op, int64_t a, int64_t b) {
 
 Value FloatArithmetic(BinaryOp op, double a, double b) {
   switch (op) {
-    case BinaryOp::Add: return Value::Float(a + b);
-    case BinaryOp::Subtract: return Value::Float(a - b);
-    case BinaryOp::Multiply: return Value::Float(a * b);
-    case BinaryOp::Divide: return Value::Float(a / b);
-    default: return Value::Float(std::pow(a, b));
+    case BinaryOp::Add:
+      return Value::Float(a + b);
+    case BinaryOp::Subtract:
+      return Value::Float(a - b);
+    case BinaryOp::Multiply:
+      return Value::Float(a * b);
+    case BinaryOp::Divide:
+      return Value::Float(a / b);
+    default:
+      return Value::Float(std::pow(a, b));
   }
 }
 
@@ -68,8 +80,10 @@ Value TimeArithmetic(BinaryOp op, const Value& a, const Value& b) {
   };
   const auto time = [](double t) { return Value::Time(ClampTicks(t)); };
   switch (op) {
-    case BinaryOp::Add: return time(ticks(a) + ticks(b));
-    case BinaryOp::Subtract: return time(ticks(a) - ticks(b));
+    case BinaryOp::Add:
+      return time(ticks(a) + ticks(b));
+    case BinaryOp::Subtract:
+      return time(ticks(a) - ticks(b));
     case BinaryOp::Multiply:
       if (a.IsNumber()) return time(a.Number() * b.AsTime());
       if (b.IsNumber()) return time(a.AsTime() * b.Number());
@@ -78,7 +92,8 @@ Value TimeArithmetic(BinaryOp op, const Value& a, const Value& b) {
       if (b.IsNumber()) return time(a.AsTime() / b.Number());
       if (a.Is(Kind::Time)) return Value::Float(static_cast<double>(a.AsTime()) / b.AsTime());
       break;
-    default: break;
+    default:
+      break;
   }
   Mismatch(op, a, b);
 }
@@ -89,7 +104,8 @@ float Component(const Value& v, int i) { return v.IsNumber() ? static_cast<float
 
 Value VectorArithmetic(BinaryOp op, const Value& a, const Value& b) {
   const Kind kind = IsVector(a.kind()) ? a.kind() : b.kind();
-  if (op == BinaryOp::Power || (!a.IsNumber() && a.kind() != kind) || (!b.IsNumber() && b.kind() != kind)) Mismatch(op, a, b);
+  if (op == BinaryOp::Power || (!a.IsNumber() && a.kind() != kind) || (!b.IsNumber() && b.kind() != kind))
+    Mismatch(op, a, b);
   Value r = a.kind() == kind ? a : b;
   // A number added to a colour is on its scale of 0 to 255.
   const bool scaled = kind == Kind::Colour && (op == BinaryOp::Add || op == BinaryOp::Subtract);
@@ -127,7 +143,8 @@ Value AddText(const Value& a, const Value& b) {
 
 Value Arithmetic(BinaryOp op, const Value& a, const Value& b) {
   if (a.IsNumber() && b.IsNumber())
-    return a.Is(Kind::Int) && b.Is(Kind::Int) ? IntArithmetic(op, a.AsInt(), b.AsInt()) : FloatArithmetic(op, a.Number(), b.Number());
+    return a.Is(Kind::Int) && b.Is(Kind::Int) ? IntArithmetic(op, a.AsInt(), b.AsInt())
+                                              : FloatArithmetic(op, a.Number(), b.Number());
   if (op == BinaryOp::Add && a.Is(Kind::String)) return AddText(a, b);
   const auto timeOrNumber = [](const Value& v) { return v.Is(Kind::Time) || v.IsNumber(); };
   if (timeOrNumber(a) && timeOrNumber(b)) return TimeArithmetic(op, a, b);

@@ -6,7 +6,19 @@
 
 namespace corvanta::script {
 
-enum class BinaryOp : uint8_t { Add, Subtract, Multiply, Divide, Power, Equal, NotEqual, Less, Greater, LessEqual, GreaterEqual };
+enum class BinaryOp : uint8_t {
+  Add,
+  Subtract,
+  Multiply,
+  Divide,
+  Power,
+  Equal,
+  NotEqual,
+  Less,
+  Greater,
+  LessEqual,
+  GreaterEqual
+};
 
 /// "+", "==" and so on, for messages.
 const wchar_t* OpText(BinaryOp op);
@@ -18,7 +30,21 @@ Value Negate(const Value& a);
 int Compare(const Value& a, const Value& b);
 
 /// The types that `as` knows.
-enum class ConversionType : uint8_t { Boolean, Integer, Float, Time, String, Name, Point2, Point3, Point4, Quat, Matrix3, Color, Array };
+enum class ConversionType : uint8_t {
+  Boolean,
+  Integer,
+  Float,
+  Time,
+  String,
+  Name,
+  Point2,
+  Point3,
+  Point4,
+  Quat,
+  Matrix3,
+  Color,
+  Array
+};
 /// The type of a lower-case name; false when `as` does not know it.
 bool FindConversion(const WStr& name, ConversionType& type);
 /// Throws when `value` has no such form; a string that holds no number becomes `undefined`.

@@ -20,11 +20,16 @@ struct OperatorRow {
   int level;
 };
 const OperatorRow kOperators[] = {
-    {Tok::Equal, BinaryOp::Equal, 3},         {Tok::NotEqual, BinaryOp::NotEqual, 3},
-    {Tok::Less, BinaryOp::Less, 3},           {Tok::Greater, BinaryOp::Greater, 3},
-    {Tok::LessEqual, BinaryOp::LessEqual, 3}, {Tok::GreaterEqual, BinaryOp::GreaterEqual, 3},
-    {Tok::Plus, BinaryOp::Add, 4},            {Tok::Minus, BinaryOp::Subtract, 4},
-    {Tok::Star, BinaryOp::Multiply, 5},       {Tok::Slash, BinaryOp::Divide, 5},
+    {Tok::Equal, BinaryOp::Equal, 3},
+    {Tok::NotEqual, BinaryOp::NotEqual, 3},
+    {Tok::Less, BinaryOp::Less, 3},
+    {Tok::Greater, BinaryOp::Greater, 3},
+    {Tok::LessEqual, BinaryOp::LessEqual, 3},
+    {Tok::GreaterEqual, BinaryOp::GreaterEqual, 3},
+    {Tok::Plus, BinaryOp::Add, 4},
+    {Tok::Minus, BinaryOp::Subtract, 4},
+    {Tok::Star, BinaryOp::Multiply, 5},
+    {Tok::Slash, BinaryOp::Divide, 5},
 };
 constexpr int kTightest = 6;
 
@@ -59,7 +64,8 @@ Parser::Parser(Interpreter& vm, SourcePtr source) : vm_(vm), source_(std::move(s
 
 std::shared_ptr<const FunctionCode> Parse(Interpreter& vm, const SourcePtr& source) {
   try {
-    if (source->text.size() > kLongestText) throw ScriptError(L"the text is longer than 4,000,000 characters", Pos{1, 1});
+    if (source->text.size() > kLongestText)
+      throw ScriptError(L"the text is longer than 4,000,000 characters", Pos{1, 1});
     return Parser(vm, source).Program();
   } catch (ScriptError& error) {
     error.SetSource(source);
@@ -81,8 +87,12 @@ std::shared_ptr<const FunctionCode> Parser::Program() {
   code->source = source_;
   code->slotCount = scope.slotCount();
   code->body = std::move(block);
+  // A class keeps its meaning until a variable of its name gets a value.
+  Value builtin;
   for (const int index : assigned_)
-    if (vm_.Global(index).Is(Kind::Unset)) vm_.Global(index) = Value();
+    if (vm_.Global(index).Is(Kind::Unset) && !FindBuiltin(vm_.GlobalName(index), builtin) &&
+        vm_.host().FindGlobal(vm_.GlobalName(index)) == GlobalUse::None)
+      vm_.Global(index) = Value();
   return code;
 }
 
@@ -169,7 +179,8 @@ NodePtr Parser::Assignment() {
   const Token& sign = Peek();
   const OperatorRow* update = FindUpdate(sign.kind);
   if (sign.kind != Tok::Assign && !update) return target;
-  if (!target->AsAssignable()) throw ScriptError(L"this cannot be assigned to; expected a variable, a property or an item", target->pos);
+  if (!target->AsAssignable())
+    throw ScriptError(L"this cannot be assigned to; expected a variable, a property or an item", target->pos);
   RefuseJumps(mark);
   Take();
   SkipNewlines();
@@ -204,7 +215,8 @@ NodePtr Parser::Binary(int level) {
     else
       left = std::make_unique<BinaryNode>(token.pos, row->op, std::move(left), std::move(right));
     left->height = height + 1;
-    if (left->height > kMaxHeight) throw ScriptError(L"the expression is too long, split it into statements", token.pos);
+    if (left->height > kMaxHeight)
+      throw ScriptError(L"the expression is too long, split it into statements", token.pos);
   }
 }
 
@@ -244,7 +256,8 @@ NodePtr Parser::Conversion() {
     const Pos pos = Take().pos;
     ConversionType type{};
     if (!Is(Tok::Word) || !FindConversion(Peek().text, type))
-      Unexpected(L"a type (string, integer, float, time, name, boolean, array, point2, point3, point4, quat, matrix3, color)");
+      Unexpected(
+          L"a type (string, integer, float, time, name, boolean, array, point2, point3, point4, quat, matrix3, color)");
     Take();
     const uint32_t height = operand->height;
     operand = std::make_unique<ConvertNode>(pos, std::move(operand), type);
@@ -278,15 +291,20 @@ bool Parser::ArgumentFollows(bool minusToo) const {
     case Tok::NodePath:
     case Tok::Keyword:
     case Tok::LeftParen:
-    case Tok::ArrayOpen: return true;
-    case Tok::LeftBracket: return token.spaceBefore;
-    case Tok::Ampersand: return token.spaceBefore && !Peek(1).spaceBefore && IsVariableName(Peek(1));
-    case Tok::Minus: return minusToo && token.spaceBefore && !Peek(1).spaceBefore && Peek(1).kind != Tok::Newline;
+    case Tok::ArrayOpen:
+      return true;
+    case Tok::LeftBracket:
+      return token.spaceBefore;
+    case Tok::Ampersand:
+      return token.spaceBefore && !Peek(1).spaceBefore && IsVariableName(Peek(1));
+    case Tok::Minus:
+      return minusToo && token.spaceBefore && !Peek(1).spaceBefore && Peek(1).kind != Tok::Newline;
     case Tok::Word:
       return token.word == Reserved::None || token.word == Reserved::True || token.word == Reserved::False ||
              token.word == Reserved::On || token.word == Reserved::Off || token.word == Reserved::Undefined ||
              token.word == Reserved::Ok;
-    default: return false;
+    default:
+      return false;
   }
 }
 
@@ -412,19 +430,29 @@ NodePtr Parser::Reference() {
 NodePtr Parser::Primary(bool& callable) {
   const Token& token = Peek();
   switch (token.kind) {
-    case Tok::Number: return std::make_unique<ConstantNode>(token.pos, Take().value);
-    case Tok::String: return std::make_unique<ConstantNode>(token.pos, Value::String(Take().text));
-    case Tok::Name: return std::make_unique<ConstantNode>(token.pos, Value::Name(Take().text));
-    case Tok::NodePath: Take(); return std::make_unique<PathNode>(token.pos, token.text, token.quoted);
-    case Tok::LeftParen: callable = true; return Block();
-    case Tok::ArrayOpen: return ArrayLiteral();
-    case Tok::LeftBracket: return PointLiteral();
+    case Tok::Number:
+      return std::make_unique<ConstantNode>(token.pos, Take().value);
+    case Tok::String:
+      return std::make_unique<ConstantNode>(token.pos, Value::String(Take().text));
+    case Tok::Name:
+      return std::make_unique<ConstantNode>(token.pos, Value::Name(Take().text));
+    case Tok::NodePath:
+      Take();
+      return std::make_unique<PathNode>(token.pos, token.text, token.quoted);
+    case Tok::LeftParen:
+      callable = true;
+      return Block();
+    case Tok::ArrayOpen:
+      return ArrayLiteral();
+    case Tok::LeftBracket:
+      return PointLiteral();
     case Tok::Word:
       if (token.word != Reserved::None) return ReservedValue();
       callable = true;
       Take();
       return Name(token);
-    default: Unexpected(L"a value");
+    default:
+      Unexpected(L"a value");
   }
 }
 
@@ -433,12 +461,20 @@ NodePtr Parser::ReservedValue() {
   Value value;
   switch (token.word) {
     case Reserved::True:
-    case Reserved::On: value = Value::Bool(true); break;
+    case Reserved::On:
+      value = Value::Bool(true);
+      break;
     case Reserved::False:
-    case Reserved::Off: value = Value::Bool(false); break;
-    case Reserved::Ok: value = Value::Ok(); break;
-    case Reserved::Undefined: break;
-    default: Unexpected(L"a value (statements stand in parentheses here)");
+    case Reserved::Off:
+      value = Value::Bool(false);
+      break;
+    case Reserved::Ok:
+      value = Value::Ok();
+      break;
+    case Reserved::Undefined:
+      break;
+    default:
+      Unexpected(L"a value (statements stand in parentheses here)");
   }
   Take();
   return std::make_unique<ConstantNode>(token.pos, value);
@@ -447,9 +483,11 @@ NodePtr Parser::ReservedValue() {
 NodePtr Parser::Name(const Token& token) {
   if (auto local = scope_->Resolve(token.text, token.pos)) return local;
   Value builtin;
-  if (FindBuiltin(token.text, builtin) && !builtin.Is(Kind::Class)) return std::make_unique<ConstantNode>(token.pos, builtin);
+  if (FindBuiltin(token.text, builtin) && !builtin.Is(Kind::Class))
+    return std::make_unique<ConstantNode>(token.pos, builtin);
   const GlobalUse use = vm_.host().FindGlobal(token.text);
-  if (use == GlobalUse::ReadOnly || use == GlobalUse::Writable) return std::make_unique<HostGlobalNode>(token.pos, token.text);
+  if (use == GlobalUse::ReadOnly || use == GlobalUse::Writable)
+    return std::make_unique<HostGlobalNode>(token.pos, token.text);
   return std::make_unique<GlobalNode>(token.pos, vm_.GlobalIndex(token.text));
 }
 
@@ -459,7 +497,8 @@ std::unique_ptr<Assignable> Parser::GlobalVariable(const WStr& name, Pos pos) {
   const GlobalUse use = vm_.host().FindGlobal(name);
   if (use == GlobalUse::Writable) return std::make_unique<HostGlobalNode>(pos, name);
   if (use == GlobalUse::ReadOnly || (FindBuiltin(name, builtin) && !builtin.Is(Kind::Class)))
-    throw ScriptError(L"`" + name + L"` is built in and cannot be changed; `local " + name + L"` makes a variable of that name", pos);
+    throw ScriptError(
+        L"`" + name + L"` is built in and cannot be changed; `local " + name + L"` makes a variable of that name", pos);
   const int index = vm_.GlobalIndex(name);
   assigned_.push_back(index);
   return std::make_unique<GlobalNode>(pos, index);
@@ -471,11 +510,11 @@ NodePtr Parser::Block() {
   scope_->OpenBlock();
   auto block = std::make_unique<BlockNode>(open.pos);
   for (SkipSeparators(); !Is(Tok::RightParen); SkipSeparators()) {
-    if (Is(Tok::End))
-      throw ScriptError(L"expected `)` to close this `(`, found the end of the text", open.pos);
+    if (Is(Tok::End)) throw ScriptError(L"expected `)` to close this `(`, found the end of the text", open.pos);
     block->statements.push_back(Under(*block, Expression()));
     if (Is(Tok::Comma)) Unexpected(L"`)`, `;` or a new line (arguments are set apart by blanks)");
-    if (!Is(Tok::Newline) && !Is(Tok::Semicolon) && !Is(Tok::RightParen) && !Is(Tok::End)) Unexpected(L"`)`, `;` or a new line");
+    if (!Is(Tok::Newline) && !Is(Tok::Semicolon) && !Is(Tok::RightParen) && !Is(Tok::End))
+      Unexpected(L"`)`, `;` or a new line");
   }
   Take();
   scope_->CloseBlock();

@@ -8,24 +8,36 @@ NodePtr Parser::Statement(bool& found) {
   if (!Is(Tok::Word)) return nullptr;
   found = true;
   switch (Peek().word) {
-    case Reserved::If: return If();
-    case Reserved::For: return For();
-    case Reserved::While: return While();
-    case Reserved::Do: return DoWhile();
-    case Reserved::Case: return Case();
-    case Reserved::Try: return Try();
-    case Reserved::Throw: return Throw();
+    case Reserved::If:
+      return If();
+    case Reserved::For:
+      return For();
+    case Reserved::While:
+      return While();
+    case Reserved::Do:
+      return DoWhile();
+    case Reserved::Case:
+      return Case();
+    case Reserved::Try:
+      return Try();
+    case Reserved::Throw:
+      return Throw();
     case Reserved::Return:
     case Reserved::Exit:
-    case Reserved::Continue: return Jump();
-    case Reserved::Fn: return Function();
-    case Reserved::Local: return Locals();
-    case Reserved::Global: return Globals();
+    case Reserved::Continue:
+      return Jump();
+    case Reserved::Fn:
+      return Function();
+    case Reserved::Local:
+      return Locals();
+    case Reserved::Global:
+      return Globals();
     case Reserved::None:
       if (ContextFollows()) return Context();
       if (Peek().text == L"macroscript" && IsVariableName(Peek(1))) return Macro();
       break;
-    default: break;
+    default:
+      break;
   }
   found = false;
   return nullptr;
@@ -120,7 +132,9 @@ NodePtr Parser::Case() {
       if (label.text != L"default") {
         if (label.word != Reserved::None && label.word != Reserved::True && label.word != Reserved::False)
           throw ScriptError(L"expected a label, found `" + label.text + L":`", label.pos);
-        branch.label = label.word == Reserved::None ? Name(label) : std::make_unique<ConstantNode>(label.pos, Value::Bool(label.word == Reserved::True));
+        branch.label = label.word == Reserved::None
+                           ? Name(label)
+                           : std::make_unique<ConstantNode>(label.pos, Value::Bool(label.word == Reserved::True));
       }
     } else {
       branch.label = Under(*node, ValueExpression());
@@ -129,7 +143,8 @@ NodePtr Parser::Case() {
     SkipNewlines();
     branch.body = Under(*node, Expression());
     node->branches.push_back(std::move(branch));
-    if (!Is(Tok::Newline) && !Is(Tok::Semicolon) && !Is(Tok::RightParen)) Unexpected(L"a new line, `;` or `)` after the branch");
+    if (!Is(Tok::Newline) && !Is(Tok::Semicolon) && !Is(Tok::RightParen))
+      Unexpected(L"a new line, `;` or `)` after the branch");
   }
   return node;
 }
@@ -157,7 +172,9 @@ NodePtr Parser::Throw() {
 
 NodePtr Parser::Jump() {
   const Token& token = Take();
-  const Signal signal = token.word == Reserved::Return ? Signal::Return : token.word == Reserved::Exit ? Signal::Exit : Signal::Continue;
+  const Signal signal = token.word == Reserved::Return ? Signal::Return
+                        : token.word == Reserved::Exit ? Signal::Exit
+                                                       : Signal::Continue;
   if (signal != Signal::Return && scope_->loopDepth == 0)
     throw ScriptError(L"`" + token.text + L"` stands outside of a loop", token.pos);
   auto node = std::make_unique<JumpNode>(token.pos, signal);
@@ -165,8 +182,8 @@ NodePtr Parser::Jump() {
     if (Is(Tok::LeftParen) && Peek(1).kind == Tok::RightParen) {
       Take();
       Take();
-    } else if (!Is(Tok::Newline) && !Is(Tok::Semicolon) && !Is(Tok::RightParen) && !Is(Tok::End) && !Is(Reserved::Else) &&
-               !Is(Reserved::Catch)) {
+    } else if (!Is(Tok::Newline) && !Is(Tok::Semicolon) && !Is(Tok::RightParen) && !Is(Tok::End) &&
+               !Is(Reserved::Else) && !Is(Reserved::Catch)) {
       node->value = Under(*node, ValueExpression());
     }
   }
@@ -215,13 +232,16 @@ void Parser::Parameters(FunctionScope& scope, FunctionCode& code, std::vector<Va
     parameter.byReference = Accept(Tok::Ampersand);
     if (parameter.byReference && !IsVariableName(Peek())) Unexpected(L"a parameter name after `&`");
     const Token& token = Take();
-    if (token.kind == Tok::Keyword && token.word != Reserved::None) throw ScriptError(L"`" + token.text + L"` is a reserved word", token.pos);
+    if (token.kind == Tok::Keyword && token.word != Reserved::None)
+      throw ScriptError(L"`" + token.text + L"` is a reserved word", token.pos);
     for (const Parameter& known : code.parameters)
       if (known.name == token.text) throw ScriptError(L"the parameter `" + token.text + L"` stands twice", token.pos);
-    if (code.parameters.size() >= kMostParameters) throw ScriptError(L"a function takes at most 250 parameters", token.pos);
+    if (code.parameters.size() >= kMostParameters)
+      throw ScriptError(L"a function takes at most 250 parameters", token.pos);
     parameter.name = token.text;
     parameter.keyword = token.kind == Tok::Keyword;
-    if (parameter.keyword && ArgumentFollows(true) && !(IsVariableName(Peek()) && Peek().spaceBefore) && !Is(Tok::Keyword))
+    if (parameter.keyword && ArgumentFollows(true) && !(IsVariableName(Peek()) && Peek().spaceBefore) &&
+        !Is(Tok::Keyword))
       parameter.defaultValue = Operand();
     if (!parameter.keyword) ++code.positionalCount;
     Variable& variable = scope.Declare(token.text);
@@ -271,10 +291,13 @@ NodePtr Parser::Globals() {
 
 // The words of contexts are free for other use: `animate` is one only before `on` or `off`, and so on.
 bool Parser::ContextFollows() const {
-  const auto isSwitch = [](const Token& t) { return t.kind == Tok::Word && (t.word == Reserved::On || t.word == Reserved::Off); };
+  const auto isSwitch = [](const Token& t) {
+    return t.kind == Tok::Word && (t.word == Reserved::On || t.word == Reserved::Off);
+  };
   const WStr& word = Peek().text;
   const Token& next = Peek(1);
-  if (word == L"with") return next.kind == Tok::Word && (next.text == L"undo" || next.text == L"animate" || next.text == L"redraw");
+  if (word == L"with")
+    return next.kind == Tok::Word && (next.text == L"undo" || next.text == L"animate" || next.text == L"redraw");
   if (word == L"at") return next.kind == Tok::Word && next.text == L"time";
   if (word == L"undo") return isSwitch(next) || (next.kind == Tok::String && isSwitch(Peek(2)));
   return (word == L"animate" || word == L"redraw") && isSwitch(next);
@@ -283,7 +306,10 @@ bool Parser::ContextFollows() const {
 NodePtr Parser::Context() {
   if (Peek().text == L"with") Take();
   const Token& word = Take();
-  const ContextKind kind = word.text == L"undo" ? ContextKind::Undo : word.text == L"at" ? ContextKind::Time : word.text == L"animate" ? ContextKind::Animate : ContextKind::Redraw;
+  const ContextKind kind = word.text == L"undo"      ? ContextKind::Undo
+                           : word.text == L"at"      ? ContextKind::Time
+                           : word.text == L"animate" ? ContextKind::Animate
+                                                     : ContextKind::Redraw;
   auto node = std::make_unique<ContextNode>(word.pos, kind);
   if (kind == ContextKind::Time) Take();
   if (kind == ContextKind::Undo && Is(Tok::String)) node->label = Operand();
@@ -300,15 +326,19 @@ NodePtr Parser::Macro() {
   macro.name = source_->text.substr(name.start, name.end - name.start);
   macro.sourceName = source_->name;
   const std::pair<const wchar_t*, WStr*> fields[] = {
-      {L"category", &macro.category},     {L"internalcategory", &macro.internalCategory}, {L"tooltip", &macro.toolTip},
-      {L"buttontext", &macro.buttonText}, {L"iconname", &macro.iconName},
+      {L"category", &macro.category}, {L"internalcategory", &macro.internalCategory},
+      {L"tooltip", &macro.toolTip},   {L"buttontext", &macro.buttonText},
+      {L"iconname", &macro.iconName},
   };
   for (SkipNewlines(); Is(Tok::Keyword); SkipNewlines()) {
     const Token& key = Take();
     WStr* field = nullptr;
     for (const auto& [text, place] : fields)
       if (key.text == text) field = place;
-    if (!field) throw ScriptError(L"a macroScript has no `" + key.text + L":`; expected category:, internalCategory:, toolTip:, buttonText: or iconName:", key.pos);
+    if (!field)
+      throw ScriptError(L"a macroScript has no `" + key.text +
+                            L":`; expected category:, internalCategory:, toolTip:, buttonText: or iconName:",
+                        key.pos);
     *field = Expect(Tok::String, L"a string").text;
   }
   macro.body = MacroBody();

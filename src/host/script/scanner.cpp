@@ -17,17 +17,39 @@ struct ReservedRow {
   Reserved word;
 };
 const ReservedRow kReserved[] = {
-    {L"and", Reserved::And},       {L"as", Reserved::As},           {L"by", Reserved::By},
-    {L"case", Reserved::Case},     {L"catch", Reserved::Catch},     {L"collect", Reserved::Collect},
-    {L"continue", Reserved::Continue}, {L"do", Reserved::Do},       {L"else", Reserved::Else},
-    {L"exit", Reserved::Exit},     {L"false", Reserved::False},     {L"fn", Reserved::Fn},
-    {L"function", Reserved::Fn},   {L"for", Reserved::For},         {L"global", Reserved::Global},
-    {L"if", Reserved::If},         {L"in", Reserved::In},           {L"local", Reserved::Local},
-    {L"not", Reserved::Not},       {L"of", Reserved::Of},           {L"off", Reserved::Off},
-    {L"ok", Reserved::Ok},         {L"on", Reserved::On},           {L"or", Reserved::Or},
-    {L"return", Reserved::Return}, {L"then", Reserved::Then},       {L"throw", Reserved::Throw},
-    {L"to", Reserved::To},         {L"true", Reserved::True},       {L"try", Reserved::Try},
-    {L"undefined", Reserved::Undefined}, {L"where", Reserved::Where}, {L"while", Reserved::While},
+    {L"and", Reserved::And},
+    {L"as", Reserved::As},
+    {L"by", Reserved::By},
+    {L"case", Reserved::Case},
+    {L"catch", Reserved::Catch},
+    {L"collect", Reserved::Collect},
+    {L"continue", Reserved::Continue},
+    {L"do", Reserved::Do},
+    {L"else", Reserved::Else},
+    {L"exit", Reserved::Exit},
+    {L"false", Reserved::False},
+    {L"fn", Reserved::Fn},
+    {L"function", Reserved::Fn},
+    {L"for", Reserved::For},
+    {L"global", Reserved::Global},
+    {L"if", Reserved::If},
+    {L"in", Reserved::In},
+    {L"local", Reserved::Local},
+    {L"not", Reserved::Not},
+    {L"of", Reserved::Of},
+    {L"off", Reserved::Off},
+    {L"ok", Reserved::Ok},
+    {L"on", Reserved::On},
+    {L"or", Reserved::Or},
+    {L"return", Reserved::Return},
+    {L"then", Reserved::Then},
+    {L"throw", Reserved::Throw},
+    {L"to", Reserved::To},
+    {L"true", Reserved::True},
+    {L"try", Reserved::Try},
+    {L"undefined", Reserved::Undefined},
+    {L"where", Reserved::Where},
+    {L"while", Reserved::While},
 };
 
 struct PunctuationRow {
@@ -36,13 +58,32 @@ struct PunctuationRow {
 };
 // Longer texts stand before their beginnings.
 const PunctuationRow kPunctuation[] = {
-    {L"#(", Tok::ArrayOpen},      {L"+=", Tok::AddAssign}, {L"-=", Tok::SubtractAssign}, {L"*=", Tok::MultiplyAssign},
-    {L"/=", Tok::DivideAssign},   {L"==", Tok::Equal},     {L"!=", Tok::NotEqual},       {L"<=", Tok::LessEqual},
-    {L">=", Tok::GreaterEqual},   {L"(", Tok::LeftParen},  {L")", Tok::RightParen},      {L"[", Tok::LeftBracket},
-    {L"]", Tok::RightBracket},    {L",", Tok::Comma},      {L".", Tok::Dot},             {L":", Tok::Colon},
-    {L"&", Tok::Ampersand},       {L"=", Tok::Assign},     {L"+", Tok::Plus},            {L"-", Tok::Minus},
-    {L"*", Tok::Star},            {L"/", Tok::Slash},      {L"^", Tok::Caret},           {L"<", Tok::Less},
-    {L">", Tok::Greater},         {L";", Tok::Semicolon},
+    {L"#(", Tok::ArrayOpen},
+    {L"+=", Tok::AddAssign},
+    {L"-=", Tok::SubtractAssign},
+    {L"*=", Tok::MultiplyAssign},
+    {L"/=", Tok::DivideAssign},
+    {L"==", Tok::Equal},
+    {L"!=", Tok::NotEqual},
+    {L"<=", Tok::LessEqual},
+    {L">=", Tok::GreaterEqual},
+    {L"(", Tok::LeftParen},
+    {L")", Tok::RightParen},
+    {L"[", Tok::LeftBracket},
+    {L"]", Tok::RightBracket},
+    {L",", Tok::Comma},
+    {L".", Tok::Dot},
+    {L":", Tok::Colon},
+    {L"&", Tok::Ampersand},
+    {L"=", Tok::Assign},
+    {L"+", Tok::Plus},
+    {L"-", Tok::Minus},
+    {L"*", Tok::Star},
+    {L"/", Tok::Slash},
+    {L"^", Tok::Caret},
+    {L"<", Tok::Less},
+    {L">", Tok::Greater},
+    {L";", Tok::Semicolon},
 };
 
 bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
@@ -234,13 +275,27 @@ class Scanner {
   // An escape that means nothing keeps its backslash, as in "C:\Users".
   void ReadEscape(WStr& out) {
     switch (Peek()) {
-      case L'n': out += L'\n'; break;
-      case L't': out += L'\t'; break;
-      case L'r': out += L'\r'; break;
-      case L'"': out += L'"'; break;
-      case L'\\': out += L'\\'; break;
-      case L'%': out += L"\\%"; break;  // `format` reads it
-      default: out += L'\\'; return;
+      case L'n':
+        out += L'\n';
+        break;
+      case L't':
+        out += L'\t';
+        break;
+      case L'r':
+        out += L'\r';
+        break;
+      case L'"':
+        out += L'"';
+        break;
+      case L'\\':
+        out += L'\\';
+        break;
+      case L'%':
+        out += L"\\%";
+        break;  // `format` reads it
+      default:
+        out += L'\\';
+        return;
     }
     ++at_;
   }
@@ -296,11 +351,13 @@ class Scanner {
   }
 
   double DecimalFrom(size_t start) const {
-    const std::string digits(text_.begin() + static_cast<std::ptrdiff_t>(start), text_.begin() + static_cast<std::ptrdiff_t>(at_));
+    const std::string digits(text_.begin() + static_cast<std::ptrdiff_t>(start),
+                             text_.begin() + static_cast<std::ptrdiff_t>(at_));
     double number = 0;
     const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), number);
     // Out of range keeps 0 or infinity by the exponent's sign.
-    if (end.ec == std::errc::result_out_of_range) return digits.find("e-") != std::string::npos || digits.find("E-") != std::string::npos ? 0 : HUGE_VAL;
+    if (end.ec == std::errc::result_out_of_range)
+      return digits.find("e-") != std::string::npos || digits.find("E-") != std::string::npos ? 0 : HUGE_VAL;
     return number;
   }
 
@@ -329,7 +386,10 @@ class Scanner {
     for (;;) {
       const double number = DecimalFrom(start);
       const wchar_t unit = text_[at_++] | 0x20;
-      const double factor = unit == L't' ? 1 : unit == L'f' ? TicksPerFrame() : unit == L's' ? kTicksPerSecond : 60.0 * kTicksPerSecond;
+      const double factor = unit == L't'   ? 1
+                            : unit == L'f' ? TicksPerFrame()
+                            : unit == L's' ? kTicksPerSecond
+                                           : 60.0 * kTicksPerSecond;
       ticks += number * factor;
       start = at_;
       if (!IsDigit(Peek())) break;

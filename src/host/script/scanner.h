@@ -13,12 +13,12 @@ enum class Tok : uint8_t {
   End,
   Newline,
   Semicolon,
-  Number,     // Int, Float or Time in `value`
-  String,     // `text`
-  Name,       // #name, `text`
-  NodePath,   // $name, `text`; $'...' has `quoted`
-  Word,       // identifier or reserved word; `text` in lower case
-  Keyword,    // word and colon; `text` in lower case
+  Number,    // Int, Float or Time in `value`
+  String,    // `text`
+  Name,      // #name, `text`
+  NodePath,  // $name, `text`; $'...' has `quoted`
+  Word,      // identifier or reserved word; `text` in lower case
+  Keyword,   // word and colon; `text` in lower case
   LeftParen,
   RightParen,
   LeftBracket,
@@ -48,8 +48,39 @@ enum class Tok : uint8_t {
 
 /// Words with a meaning of their own; they can be property names but not variables.
 enum class Reserved : uint8_t {
-  None, And, As, By, Case, Catch, Collect, Continue, Do, Else, Exit, False, Fn, For, Global, If, In, Local, Not, Of,
-  Off, Ok, On, Or, Return, Then, Throw, To, True, Try, Undefined, Where, While,
+  None,
+  And,
+  As,
+  By,
+  Case,
+  Catch,
+  Collect,
+  Continue,
+  Do,
+  Else,
+  Exit,
+  False,
+  Fn,
+  For,
+  Global,
+  If,
+  In,
+  Local,
+  Not,
+  Of,
+  Off,
+  Ok,
+  On,
+  Or,
+  Return,
+  Then,
+  Throw,
+  To,
+  True,
+  Try,
+  Undefined,
+  Where,
+  While,
 };
 
 struct Token {

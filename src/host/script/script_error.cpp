@@ -22,7 +22,8 @@ WStr Source::Line(uint32_t line) const {
   return found;
 }
 
-ScriptError::ScriptError(WStr message, Class kind) : message_(std::move(message)), utf8_(ToUtf8(message_)), kind_(kind) {}
+ScriptError::ScriptError(WStr message, Class kind)
+    : message_(std::move(message)), utf8_(ToUtf8(message_)), kind_(kind) {}
 
 WStr ScriptError::Report() const {
   WStr report = source_ ? source_->name : WStr(L"script");

@@ -17,10 +17,10 @@ struct MacroDefinition {
 
 /// How a script may use a name of the host.
 enum class GlobalUse {
-  None,       // no such name
-  ReadOnly,   // primitives and interfaces
-  Writable,   // `sliderTime = 10`
-  Shadowed,   // classes: a script's own variable of that name wins
+  None,      // no such name
+  ReadOnly,  // primitives and interfaces
+  Writable,  // `sliderTime = 10`
+  Shadowed,  // classes: a script's own variable of that name wins
 };
 
 /// Every function has a default that does nothing, so a host offers what it has. Names come in lower case.

@@ -72,26 +72,62 @@ class TextWriter {
     MemoryUse::Check(out.size() * sizeof(wchar_t));
     switch (value.kind()) {
       case Kind::Unset:
-      case Kind::Undefined: out += L"undefined"; break;
-      case Kind::Ok: out += L"ok"; break;
-      case Kind::Bool: out += value.AsBool() ? L"true" : L"false"; break;
-      case Kind::Int: out += std::to_wstring(value.AsInt()); break;
-      case Kind::Float: out += FloatText(value.AsFloat()); break;
-      case Kind::Time: out += TimeText(value.AsTime()); break;
+      case Kind::Undefined:
+        out += L"undefined";
+        break;
+      case Kind::Ok:
+        out += L"ok";
+        break;
+      case Kind::Bool:
+        out += value.AsBool() ? L"true" : L"false";
+        break;
+      case Kind::Int:
+        out += std::to_wstring(value.AsInt());
+        break;
+      case Kind::Float:
+        out += FloatText(value.AsFloat());
+        break;
+      case Kind::Time:
+        out += TimeText(value.AsTime());
+        break;
       case Kind::Point2:
       case Kind::Point3:
-      case Kind::Point4: out += PointText(value.Components(), ComponentCount(value.kind())); break;
-      case Kind::Quat: out += CallText(L"quat", value.Components(), 4, 1); break;
-      case Kind::Colour: out += CallText(L"color", value.Components(), 3, 255); break;
-      case Kind::Interval: WriteInterval(value.AsInterval()); break;
-      case Kind::String: out += Quoted(value.AsText()); break;
-      case Kind::Name: out += L"#" + (IsPlainName(value.AsText()) ? value.AsText() : L"'" + value.AsText() + L"'"); break;
-      case Kind::Matrix: WriteMatrix(value.AsMatrix()); break;
-      case Kind::Array: WriteArray(value.AsArray(), depth); break;
-      case Kind::Callable: out += value.AsCallable().Name() + L"()"; break;
-      case Kind::Class: out += value.AsClass().Name(); break;
-      case Kind::Object: out += value.AsObject().Text(); break;
-      case Kind::Cell: Write(value.AsCell().value, depth + 1); break;
+      case Kind::Point4:
+        out += PointText(value.Components(), ComponentCount(value.kind()));
+        break;
+      case Kind::Quat:
+        out += CallText(L"quat", value.Components(), 4, 1);
+        break;
+      case Kind::Colour:
+        out += CallText(L"color", value.Components(), 3, 255);
+        break;
+      case Kind::Interval:
+        WriteInterval(value.AsInterval());
+        break;
+      case Kind::String:
+        out += Quoted(value.AsText());
+        break;
+      case Kind::Name:
+        out += L"#" + (IsPlainName(value.AsText()) ? value.AsText() : L"'" + value.AsText() + L"'");
+        break;
+      case Kind::Matrix:
+        WriteMatrix(value.AsMatrix());
+        break;
+      case Kind::Array:
+        WriteArray(value.AsArray(), depth);
+        break;
+      case Kind::Callable:
+        out += value.AsCallable().Name() + L"()";
+        break;
+      case Kind::Class:
+        out += value.AsClass().Name();
+        break;
+      case Kind::Object:
+        out += value.AsObject().Text();
+        break;
+      case Kind::Cell:
+        Write(value.AsCell().value, depth + 1);
+        break;
     }
   }
   WStr out;
@@ -132,16 +168,30 @@ void AppendJson(WStr& out, const Value& value, int depth) {
   switch (value.kind()) {
     case Kind::Unset:
     case Kind::Undefined:
-    case Kind::Ok: out += L"null"; break;
-    case Kind::Bool: out += value.AsBool() ? L"true" : L"false"; break;
-    case Kind::Int: out += std::to_wstring(value.AsInt()); break;
-    case Kind::Float: AppendJsonNumber(out, value.AsFloat()); break;
-    case Kind::Time: AppendJsonNumber(out, FramesFromTicks(value.AsTime())); break;
+    case Kind::Ok:
+      out += L"null";
+      break;
+    case Kind::Bool:
+      out += value.AsBool() ? L"true" : L"false";
+      break;
+    case Kind::Int:
+      out += std::to_wstring(value.AsInt());
+      break;
+    case Kind::Float:
+      AppendJsonNumber(out, value.AsFloat());
+      break;
+    case Kind::Time:
+      AppendJsonNumber(out, FramesFromTicks(value.AsTime()));
+      break;
     case Kind::Point2:
     case Kind::Point3:
     case Kind::Point4:
-    case Kind::Quat: AppendNumbers(out, value.Components(), ComponentCount(value.kind())); break;
-    case Kind::Colour: AppendNumbers(out, value.Components(), 3, 255); break;
+    case Kind::Quat:
+      AppendNumbers(out, value.Components(), ComponentCount(value.kind()));
+      break;
+    case Kind::Colour:
+      AppendNumbers(out, value.Components(), 3, 255);
+      break;
     case Kind::Interval:
       out += L'[';
       AppendJsonNumber(out, FramesFromTicks(value.AsInterval().start));
@@ -150,7 +200,9 @@ void AppendJson(WStr& out, const Value& value, int depth) {
       out += L']';
       break;
     case Kind::String:
-    case Kind::Name: AppendJsonString(out, value.AsText()); break;
+    case Kind::Name:
+      AppendJsonString(out, value.AsText());
+      break;
     case Kind::Matrix:
       for (int i = 0; i < 4; ++i) {
         out += i ? L',' : L'[';
@@ -170,9 +222,15 @@ void AppendJson(WStr& out, const Value& value, int depth) {
       break;
     }
     case Kind::Callable:
-    case Kind::Class: AppendJsonString(out, value.AsCallable().Name()); break;
-    case Kind::Object: value.AsObject().AppendJson(out); break;
-    case Kind::Cell: AppendJson(out, value.AsCell().value, depth + 1); break;
+    case Kind::Class:
+      AppendJsonString(out, value.AsCallable().Name());
+      break;
+    case Kind::Object:
+      value.AsObject().AppendJson(out);
+      break;
+    case Kind::Cell:
+      AppendJson(out, value.AsCell().value, depth + 1);
+      break;
   }
 }
 

@@ -14,9 +14,9 @@ constexpr int kEqualDepth = 64;
 // Comparing arrays that share their parts can take exponential time; past this many items they are different.
 constexpr int kEqualItems = 10'000'000;
 
-const wchar_t* const kKindNames[] = {L"Undefined", L"Undefined", L"Ok",       L"Boolean", L"Integer",  L"Float",
-                                     L"Time",      L"Point2",    L"Point3",   L"Point4",  L"Quat",     L"Color",
-                                     L"Interval",  L"String",    L"Name",     L"Matrix3", L"Array",    L"Function",
+const wchar_t* const kKindNames[] = {L"Undefined", L"Undefined", L"Ok",       L"Boolean", L"Integer", L"Float",
+                                     L"Time",      L"Point2",    L"Point3",   L"Point4",  L"Quat",    L"Color",
+                                     L"Interval",  L"String",    L"Name",     L"Matrix3", L"Array",   L"Function",
                                      L"Class",     L"Object",    L"Reference"};
 
 // A value of the scene has single precision: a script number that rounds to it is the same number. Whole
@@ -51,17 +51,27 @@ bool EqualWithin(const Value& a, const Value& b, int depth, int& budget) {
   if (a.Is(Kind::Class) && b.Is(Kind::Class)) return EqualsNoCase(a.AsClass().Name(), b.AsClass().Name());
   if (a.kind() != b.kind()) return false;
   switch (a.kind()) {
-    case Kind::Bool: return a.AsBool() == b.AsBool();
-    case Kind::Time: return a.AsTime() == b.AsTime();
-    case Kind::Interval: return a.AsInterval() == b.AsInterval();
-    case Kind::String: return a.AsText() == b.AsText();
-    case Kind::Name: return EqualsNoCase(a.AsText(), b.AsText());
-    case Kind::Matrix: return a.AsMatrix() == b.AsMatrix();
-    case Kind::Array: return EqualArrays(a.AsArray(), b.AsArray(), depth, budget);
-    case Kind::Object: return a.AsObject().SameAs(b.AsObject());
+    case Kind::Bool:
+      return a.AsBool() == b.AsBool();
+    case Kind::Time:
+      return a.AsTime() == b.AsTime();
+    case Kind::Interval:
+      return a.AsInterval() == b.AsInterval();
+    case Kind::String:
+      return a.AsText() == b.AsText();
+    case Kind::Name:
+      return EqualsNoCase(a.AsText(), b.AsText());
+    case Kind::Matrix:
+      return a.AsMatrix() == b.AsMatrix();
+    case Kind::Array:
+      return EqualArrays(a.AsArray(), b.AsArray(), depth, budget);
+    case Kind::Object:
+      return a.AsObject().SameAs(b.AsObject());
     case Kind::Callable:
-    case Kind::Cell: return a.heap() == b.heap();
-    default: return EqualComponents(a, b, ComponentCount(a.kind()));  // none for undefined and ok
+    case Kind::Cell:
+      return a.heap() == b.heap();
+    default:
+      return EqualComponents(a, b, ComponentCount(a.kind()));  // none for undefined and ok
   }
 }
 
@@ -83,12 +93,16 @@ CellObject& Value::AsCell() const { return *static_cast<CellObject*>(payload_.he
 
 int ComponentCount(Kind kind) {
   switch (kind) {
-    case Kind::Point2: return 2;
+    case Kind::Point2:
+      return 2;
     case Kind::Point3:
-    case Kind::Colour: return 3;
+    case Kind::Colour:
+      return 3;
     case Kind::Point4:
-    case Kind::Quat: return 4;
-    default: return 0;
+    case Kind::Quat:
+      return 4;
+    default:
+      return 0;
   }
 }
 

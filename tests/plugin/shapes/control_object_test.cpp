@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Parameters, published properties, undo, files and clones of both control classes.
+#include <cstdio>
+#include <fstream>
+#include <map>
 #include <set>
 
 #include "control_test.h"
@@ -114,6 +117,24 @@ TYPED_TEST(ControlObjectTest, BoxFollowsParametersThroughUndoAndRedo) {
   theHold.Flush();
 }
 
+// Gives the time itself, and holds for that time alone.
+class Ramp final : public Control {
+ public:
+  SClass_ID SuperClassID() const override { return kFloatControlSuper; }
+  Class_ID ClassID() const override { return {0x7E57, 3}; }
+  void GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod) override {
+    value.Float() = static_cast<float>(t);
+    valid &= Interval{t, t};
+  }
+  void SetValue(TimeValue, ValueRef, bool, GetSetMethod) override {}
+};
+
+TYPED_TEST(ControlObjectTest, AnimatedSizeIsRebuiltAtEachTime) {
+  ASSERT_TRUE(this->block().SetController(kControlSize, new Ramp));
+  for (const TimeValue t : {10, 40, 40, 10})
+    EXPECT_NEAR(this->control->GetLocalBoundBox(t, this->node).max.x, 0.5f * static_cast<float>(t), 1e-3f);
+}
+
 TYPED_TEST(ControlObjectTest, CloneSharesNothing) {
   BitArray faces(70);
   faces.Set(69);
@@ -175,6 +196,39 @@ TYPED_TEST(ControlObjectTest, WithoutABlockNothingHappens) {
 
 using ControlShapeTest = ControlTest<ControlShape>;
 
+std::string Number(float value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%g", static_cast<double>(value));
+  return text;
+}
+
+// The row of the reference page that tells a parameter.
+std::string PageRow(const ParamRow& row) {
+  static const std::map<ParamType, const char*> types = {
+      {ParamType::Int, "int"},         {ParamType::Bool, "bool"},   {ParamType::World, "world"},
+      {ParamType::Percent, "percent"}, {ParamType::Node, "node"},   {ParamType::Matrix3, "matrix"},
+      {ParamType::Colour, "colour"},   {ParamType::Float, "float"},
+  };
+  const bool plain = row.type != ParamType::Bool && row.type != ParamType::Colour && row.type != ParamType::Node &&
+                     row.type != ParamType::Matrix3;
+  const float factor = row.type == ParamType::Percent ? 100 : 1;
+  std::string range, value = plain ? Number(row.def.f[0] * factor) : "";
+  if (row.type == ParamType::Bool) value = row.def.f[0] > 0 ? "on" : "off";
+  if (row.range.IsGiven())
+    range = Number(row.range.min) + (row.range.max < 1e29f ? " to " + Number(row.range.max) : " and up");
+  return "| " + std::to_string(row.id) + " | `" + ToUtf8(row.name) + "` | " + types.at(row.type) + " | " +
+         (row.Is(kAnimatable) ? "yes" : "") + " | " + value + " | " + range + " |";
+}
+
+TEST_F(ControlShapeTest, ReferencePageTellsEveryParameter) {
+  std::ifstream file(TAVRILON_SOURCE_DIR "/docs/shapes.md");
+  const std::string page{std::istreambuf_iterator<char>(file), {}};
+  for (const ParamRow& row : block().GetDesc().rows)
+    EXPECT_NE(page.find(PageRow(row)), std::string::npos) << "docs/shapes.md needs a row that begins\n" << PageRow(row);
+  for (int i = 0; i < kShapeTypeCount; ++i)
+    EXPECT_NE(page.find(ShapeTypeName(i)), std::string::npos) << ShapeTypeName(i);
+}
+
 TEST_F(ControlShapeTest, SplinesAreTheOutline) {
   block().SetValue(kControlSteps, 0, 5);
   for (int type = 0; type < kShapeTypeCount; ++type) {
@@ -202,8 +256,8 @@ TEST_F(ControlShapeTest, SplinesAreTheOutline) {
 TEST_F(ControlShapeTest, ScaleIsOfTheShapeAlone) {
   block().SetValue(kControlScale, 0, 0.25f);
   EXPECT_NEAR(control->GetLocalBoundBox(0, node).max.x, 2.5f, 1e-4f);
-  ControlHelper helper;
-  EXPECT_FALSE(helper.GetParamBlock()->SetValue(kControlScale, 0, 0.25f));
+  const Ref<ControlHelper> helper(new ControlHelper);
+  EXPECT_FALSE(helper->GetParamBlock()->SetValue(kControlScale, 0, 0.25f));
 }
 
 }  // namespace

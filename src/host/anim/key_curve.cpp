@@ -123,10 +123,10 @@ template <class Key>
 typename KeyKind<Key>::Value OutsideRange(const KeyCurve<Key>& curve, TimeValue t, Interval& valid, int& hint) {
   const auto& keys = curve.keys;
   const bool after = t > keys.back().time;
-  const OutOfRange type = after ? curve.after : curve.before;
+  const ORT type = after ? curve.after : curve.before;
   const Key& end = after ? keys.back() : keys.front();
   const Interval beyond = after ? Interval{end.time, kTimeMax} : Interval{kTimeMin, end.time};
-  if (type == OutOfRange::Linear) {
+  if (type == ORT::Linear) {
     const auto& segment = after ? curve.segments.back() : curve.segments.front();
     const size_t i = after ? keys.size() - 2 : 0;
     const double length = static_cast<double>(keys[i + 1].time) - keys[i].time;
@@ -144,13 +144,13 @@ typename KeyKind<Key>::Value OutsideRange(const KeyCurve<Key>& curve, TimeValue 
   };
   valid &= Interval::Instant(t);
   switch (type) {
-    case OutOfRange::Cycle:
+    case ORT::Cycle:
       return at(cycle.offset);
-    case OutOfRange::Loop:
+    case ORT::Loop:
       return BlendLoop(curve, at(cycle.offset), cycle.offset, after);
-    case OutOfRange::PingPong:
+    case ORT::PingPong:
       return at(cycle.number % 2 == 0 ? cycle.offset : length - cycle.offset);
-    case OutOfRange::RelativeRepeat:
+    case ORT::RelativeRepeat:
       return AddStep(at(cycle.offset), ValueOf(keys.front()), ValueOf(keys.back()), static_cast<float>(cycle.number));
     default:
       return ValueOf(end);
@@ -183,13 +183,13 @@ typename KeyKind<Key>::Value Evaluate(const KeyCurve<Key>& curve, TimeValue t, I
   const auto& keys = curve.keys;
   if (keys.size() < 2) return keys.empty() ? typename KeyKind<Key>::Value{} : ValueOf(keys[0]);
   if (t < keys.front().time) {
-    if (curve.before != OutOfRange::Constant) return OutsideRange(curve, t, valid, hint);
+    if (curve.before != ORT::Constant) return OutsideRange(curve, t, valid, hint);
     valid &= {kTimeMin, keys.front().time};
     return ValueOf(keys.front());
   }
   if (t >= keys.back().time) {
-    if (curve.after != OutOfRange::Constant && t > keys.back().time) return OutsideRange(curve, t, valid, hint);
-    valid &= curve.after == OutOfRange::Constant ? Interval{keys.back().time, kTimeMax} : Interval::Instant(t);
+    if (curve.after != ORT::Constant && t > keys.back().time) return OutsideRange(curve, t, valid, hint);
+    valid &= curve.after == ORT::Constant ? Interval{keys.back().time, kTimeMax} : Interval::Instant(t);
     return ValueOf(keys.back());
   }
   return InRange(curve, t, valid, hint);

@@ -7,19 +7,9 @@
 
 #include "host/anim/keys.h"
 #include "host/anim/segments.h"
+#include "host/core/out_of_range.h"
 
 namespace corvanta {
-
-/// What a curve does before its first and after its last key.
-enum class OutOfRange : int32_t {
-  Constant = 1,
-  Cycle = 2,
-  /// A cycle whose interval next to the keys is blended, so that it goes on without a jump.
-  Loop = 3,
-  PingPong = 4,
-  Linear = 5,
-  RelativeRepeat = 7,
-};
 
 /// Per kind of key: the evaluated value, the segment, and how one becomes the other.
 template <class Key>
@@ -74,8 +64,8 @@ struct KeyCurve {
   std::vector<Key> keys;
   /// From key i to key i + 1.
   std::vector<Segment> segments;
-  OutOfRange before = OutOfRange::Constant;
-  OutOfRange after = OutOfRange::Constant;
+  ORT before = ORT::Constant;
+  ORT after = ORT::Constant;
 
   /// Sorts, drops all but the last of keys at one time, works out slopes and segments. To be called after every
   /// change of `keys`, before evaluation.

@@ -93,6 +93,14 @@ void AnimateOff() {
 void SuspendAnimate() { ++animateSuspended; }
 void ResumeAnimate() { animateSuspended = animateSuspended > 0 ? animateSuspended - 1 : 0; }
 bool Animating() { return animateOn && animateSuspended == 0; }
+AnimateScope::AnimateScope() : wasOn_(animateOn), wasSuspended_(animateSuspended) {
+  animateOn = true;
+  animateSuspended = 0;
+}
+AnimateScope::~AnimateScope() {
+  animateOn = wasOn_;
+  animateSuspended = wasSuspended_;
+}
 
 Control* NewDefaultFloatController() { return NewControl(kFloatControlSuper, {0x2007, 0}); }
 Control* NewDefaultPoint3Controller() { return NewControl(kPoint3ControlSuper, {0x200A, 0}); }

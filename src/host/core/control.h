@@ -4,6 +4,7 @@
 
 #include <cassert>
 
+#include "host/core/out_of_range.h"
 #include "host/core/reference.h"
 #include "host/maths/matrix3.h"
 
@@ -102,8 +103,6 @@ class IEulerControl {
 /// Flags of the key operations.
 enum : uint32_t { TIME_NOSLIDE = 0x1000, KEYMAP_SELECTED = 1, KEYMAP_FROM_LAST = 8 };
 
-enum class ORT : int { Constant = 1, Cycle = 2, Loop = 3, PingPong = 4, Linear = 5, RelativeRepeat = 7 };
-
 /// Maps one key time to another.
 class TimeMap {
  public:
@@ -176,6 +175,17 @@ void AnimateOff();
 void SuspendAnimate();
 void ResumeAnimate();
 bool Animating();
+/// Animate on and not suspended for its lifetime; afterwards both are as they were.
+class AnimateScope {
+ public:
+  AnimateScope();
+  ~AnimateScope();
+  AnimateScope(const AnimateScope&) = delete;
+
+ private:
+  bool wasOn_;
+  int wasSuspended_;
+};
 
 Control* NewDefaultFloatController();
 Control* NewDefaultPoint3Controller();

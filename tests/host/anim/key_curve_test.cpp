@@ -17,8 +17,7 @@ IBezFloatKey User(TimeValue t, float v, float in, float out, float inLength = kT
   return {{t, TangentFlags(Tangent::User, Tangent::User)}, v, in, out, inLength, outLength};
 }
 template <class Key>
-KeyCurve<Key> Curve(std::vector<Key> keys, OutOfRange before = OutOfRange::Constant,
-                    OutOfRange after = OutOfRange::Constant) {
+KeyCurve<Key> Curve(std::vector<Key> keys, ORT before = ORT::Constant, ORT after = ORT::Constant) {
   KeyCurve<Key> c;
   c.keys = std::move(keys);
   c.before = before;
@@ -156,8 +155,7 @@ TEST(KeyCurve, SteppedOnEitherSideHolds) {
 TEST(KeyCurve, IntervalsAndHintsAreHonest) {
   std::mt19937 rng(11);
   std::uniform_int_distribution<int> gap(1, 30), tangent(0, 6), ort(0, 5), when(-200, 400);
-  const OutOfRange types[] = {OutOfRange::Constant, OutOfRange::Cycle,  OutOfRange::Loop,
-                              OutOfRange::PingPong, OutOfRange::Linear, OutOfRange::RelativeRepeat};
+  const ORT types[] = {ORT::Constant, ORT::Cycle, ORT::Loop, ORT::PingPong, ORT::Linear, ORT::RelativeRepeat};
   for (int i = 0; i < 300; ++i) {
     std::vector<IBezFloatKey> keys;
     for (TimeValue t = 0; keys.size() < 5; t += gap(rng))
@@ -181,16 +179,16 @@ TEST(KeyCurve, OutOfRangeTypes) {
                                           Bez(160, 8, Tangent::Linear, Tangent::Linear),
                                           Bez(200, 4, Tangent::Linear, Tangent::Linear)};
   const struct {
-    OutOfRange type;
+    ORT type;
     TimeValue t;
     float value;
   } rows[] = {
-      {OutOfRange::Constant, 250, 4},       {OutOfRange::Constant, 50, 2},       {OutOfRange::Cycle, 201, 2.1f},
-      {OutOfRange::Cycle, 230, 5},          {OutOfRange::Cycle, 300, 2},         {OutOfRange::Cycle, 99, 4.1f},
-      {OutOfRange::PingPong, 220, 6},       {OutOfRange::PingPong, 310, 3},      {OutOfRange::PingPong, 70, 5},
-      {OutOfRange::Linear, 230, 1},         {OutOfRange::Linear, 70, -1},        {OutOfRange::RelativeRepeat, 230, 7},
-      {OutOfRange::RelativeRepeat, 330, 9}, {OutOfRange::RelativeRepeat, 60, 6}, {OutOfRange::RelativeRepeat, -40, 4},
-      {OutOfRange::Loop, 200, 4},           {OutOfRange::Loop, 270, 7},          {OutOfRange::Loop, 30, 5},
+      {ORT::Constant, 250, 4},       {ORT::Constant, 50, 2},       {ORT::Cycle, 201, 2.1f},
+      {ORT::Cycle, 230, 5},          {ORT::Cycle, 300, 2},         {ORT::Cycle, 99, 4.1f},
+      {ORT::PingPong, 220, 6},       {ORT::PingPong, 310, 3},      {ORT::PingPong, 70, 5},
+      {ORT::Linear, 230, 1},         {ORT::Linear, 70, -1},        {ORT::RelativeRepeat, 230, 7},
+      {ORT::RelativeRepeat, 330, 9}, {ORT::RelativeRepeat, 60, 6}, {ORT::RelativeRepeat, -40, 4},
+      {ORT::Loop, 200, 4},           {ORT::Loop, 270, 7},          {ORT::Loop, 30, 5},
   };
   for (const auto& r : rows)
     EXPECT_NEAR(At(Curve(keys, r.type, r.type), r.t), r.value, 1e-5f) << int(r.type) << ' ' << r.t;
@@ -199,8 +197,7 @@ TEST(KeyCurve, OutOfRangeTypes) {
 // Only a cycle may jump where it leaves the keys and where it starts again.
 TEST(KeyCurve, OutOfRangeContinuity) {
   const std::vector<IBezFloatKey> keys = {Bez(0, 2), Bez(600, 8), Bez(900, -3), Bez(1200, 4)};
-  for (const OutOfRange type :
-       {OutOfRange::Constant, OutOfRange::Loop, OutOfRange::PingPong, OutOfRange::Linear, OutOfRange::RelativeRepeat}) {
+  for (const ORT type : {ORT::Constant, ORT::Loop, ORT::PingPong, ORT::Linear, ORT::RelativeRepeat}) {
     const auto c = Curve(keys, type, type);
     for (TimeValue t = -3000; t < 4000; ++t)
       ASSERT_LT(std::abs(At(c, t + 1) - At(c, t)), 0.1f) << int(type) << ' ' << t;  // the steepest slope is 0.055
@@ -312,7 +309,7 @@ TEST(TcbRotation, SmoothUnitAndThroughItsKeys) {
   std::normal_distribution<float> n;
   std::vector<ITCBRotKey> keys;
   for (TimeValue t = 0; t < 6000; t += 700) keys.push_back(Rot(t, Normalize(Quat{n(rng), n(rng), n(rng), n(rng)})));
-  const auto c = Curve(keys, OutOfRange::RelativeRepeat, OutOfRange::RelativeRepeat);
+  const auto c = Curve(keys, ORT::RelativeRepeat, ORT::RelativeRepeat);
   for (const auto& key : keys) EXPECT_LT(Difference(At(c, key.time), ValueOf(key)), 1e-5f);
   for (TimeValue t = -3000; t < 9000; t += 10) {
     const Quat a = At(c, t), b = At(c, t + 10);
@@ -328,12 +325,12 @@ TEST(TcbRotation, SmoothUnitAndThroughItsKeys) {
 
 TEST(TcbRotation, OutOfRange) {
   const std::vector<ITCBRotKey> keys = {Rot(0, AboutZ(10)), Rot(100, AboutZ(50))};
-  const auto at = [&](OutOfRange type, TimeValue t) { return At(Curve(keys, type, type), t); };
-  EXPECT_LT(Difference(at(OutOfRange::Linear, 200), AboutZ(90)), 1e-5f);
-  EXPECT_LT(Difference(at(OutOfRange::Linear, -100), AboutZ(-30)), 1e-5f);
-  EXPECT_LT(Difference(at(OutOfRange::RelativeRepeat, 1050), AboutZ(430)), 1e-4f);
-  EXPECT_LT(Difference(at(OutOfRange::RelativeRepeat, -150), AboutZ(-50)), 1e-4f);
-  EXPECT_LT(Difference(at(OutOfRange::Cycle, 150), AboutZ(30)), 1e-5f);
+  const auto at = [&](ORT type, TimeValue t) { return At(Curve(keys, type, type), t); };
+  EXPECT_LT(Difference(at(ORT::Linear, 200), AboutZ(90)), 1e-5f);
+  EXPECT_LT(Difference(at(ORT::Linear, -100), AboutZ(-30)), 1e-5f);
+  EXPECT_LT(Difference(at(ORT::RelativeRepeat, 1050), AboutZ(430)), 1e-4f);
+  EXPECT_LT(Difference(at(ORT::RelativeRepeat, -150), AboutZ(-50)), 1e-4f);
+  EXPECT_LT(Difference(at(ORT::Cycle, 150), AboutZ(30)), 1e-5f);
 }
 
 // --- Reduction -----------------------------------------------------------------------------------------------------

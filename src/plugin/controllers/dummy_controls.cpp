@@ -13,6 +13,7 @@ Control* DummyFloat::GetWrapped() const {
 void DummyFloat::Show(Control* control, float offset) {
   wrapped_.SetTarget(control);
   offset_ = offset;
+  NotifyDependents();
 }
 
 void DummyFloat::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod method) {
@@ -25,6 +26,12 @@ void DummyFloat::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMe
 void DummyFloat::SetValue(TimeValue t, ValueRef value, bool commit, GetSetMethod method) {
   float wanted = method == CTRL_ABSOLUTE ? value.Float() - offset_ : value.Float();
   if (Control* wrapped = GetWrapped()) wrapped->SetValue(t, wanted, commit, method);
+}
+
+void DummyRotation::Show(const Quat& q, bool multiplies) {
+  q_ = q;
+  multiplies_ = multiplies;
+  NotifyDependents();
 }
 
 void DummyRotation::GetValue(TimeValue, ValueRef value, Interval&, GetSetMethod method) {

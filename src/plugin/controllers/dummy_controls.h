@@ -19,6 +19,7 @@ class DummyFloat final : public corvanta::Control {
 
   /// Null when empty and once the controller is gone.
   corvanta::Control* GetWrapped() const;
+  /// Tells dependents, since the shown controller does not.
   void Show(corvanta::Control* control, float offset);
   float GetOffset() const { return offset_; }
 
@@ -43,7 +44,7 @@ class DummyRotation final : public corvanta::Control {
   corvanta::Class_ID ClassID() const override { return kClassId; }
   corvanta::WStr GetClassName() const override { return DescOf(TavrilonClass::DummyRotation).className; }
 
-  void Show(const corvanta::Quat& q, bool multiplies) { q_ = q, multiplies_ = multiplies; }
+  void Show(const corvanta::Quat& q, bool multiplies);
 
   void GetValue(corvanta::TimeValue t, corvanta::ValueRef value, corvanta::Interval& valid,
                 corvanta::GetSetMethod method) override;

@@ -7,15 +7,23 @@
 // controllers, making layers. Every node goes to RigSystem::OwnNode at once.
 #pragma once
 
+#include <memory>
+
 #include "plugin/rig/rig_system.h"
 
 namespace tavrilon {
 
+namespace detail {
+class Parts;
+struct BuildState;
+}  // namespace detail
+
 class RigBuilder {
  public:
   explicit RigBuilder(RigSystem& rig);
+  ~RigBuilder();
 
-  /// Layers, `main`, panel, pose kit and root bone.
+  /// Layers, `main` and the root bone.
   void Prepare();
   /// The components of the rig's type.
   void Build();
@@ -23,13 +31,19 @@ class RigBuilder {
   void FinishComponents();
   /// One side (right, left or centre) of an extra.
   void BuildExtra(const RigExtra& extra, int side);
-  /// Standing parts of the panel, mirror pairs, main's place, figure mode off.
+  /// Root bone, mirror pairs, main's place, figure mode off.
   void Finish();
+  /// What the options asked for that was left out.
+  std::vector<WStr> Notes() const;
 
  private:
+  void FinishRootBone();
+  void PairMirrors();
+
   RigSystem& rig_;
   PointFrames frames_;
-  corvanta::INode* main_ = nullptr;
+  std::unique_ptr<detail::BuildState> state_;
+  std::unique_ptr<detail::Parts> parts_;
 };
 
 }  // namespace tavrilon

@@ -64,6 +64,7 @@ INode* RigSystem::ObjectNode() const {
 // An error stops the build; what was made stays with the rig, which counts as built, so that it can be reset.
 void RigSystem::RunBuild() {
   buildError_.clear();
+  buildNotes_.clear();
   try {
     RigBuilder builder(*this);
     builder.Prepare();
@@ -77,6 +78,7 @@ void RigSystem::RunBuild() {
         builder.FinishComponents();
       }
     builder.Finish();
+    buildNotes_ = builder.Notes();
   } catch (const std::exception& e) {
     buildError_ = L"The rig \"" + RigName() + L"\" is not complete: " + FromUtf8(e.what());
   }

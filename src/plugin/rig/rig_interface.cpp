@@ -71,7 +71,10 @@ FPInterfaceDesc MakeDesc() {
           extra(F::kGetExtraNumBones, L"GetExtraNumBones", FPType::Int),
           setExtra(F::kSetExtraNumBones, L"SetExtraNumBones", count),
       },
-      {{F::kGetType, F::kSetType, L"type", FPType::Enum, kTypes}},
+      {{F::kGetType, F::kSetType, L"type", FPType::Enum, kTypes},
+       {F::kGetBuildNotes, -1, L"build_notes", FPType::StringTab},
+       {F::kGetBuildError, -1, L"build_error", FPType::String},
+       {F::kGetUnknownPoints, -1, L"unknown_points", FPType::StringTab}},
       {TypeEnumeration(), kSideEnumeration}};
 }
 
@@ -81,6 +84,10 @@ const FPInterfaceDesc& IRigSystem::GetDesc() const {
   static const FPInterfaceDesc desc = MakeDesc();
   return desc;
 }
+
+namespace {
+FPValue TextTab(const std::vector<WStr>& lines) { return FPValue::Tab(lines.begin(), lines.end()); }
+}  // namespace
 
 FPStatus IRigSystem::Invoke(int id, TimeValue, FPValue& result, std::span<const FPValue> args) {
   const auto text = [&](size_t i) { return FPArg(args, i).ToWStr(); };
@@ -95,6 +102,15 @@ FPStatus IRigSystem::Invoke(int id, TimeValue, FPValue& result, std::span<const 
       break;
     case kGetType:
       result = GetType();
+      break;
+    case kGetBuildNotes:
+      result = TextTab(BuildNotes());
+      break;
+    case kGetBuildError:
+      result = BuildError();
+      break;
+    case kGetUnknownPoints:
+      result = TextTab(UnknownPoints());
       break;
     case kSetType:
       SetType(number(0));

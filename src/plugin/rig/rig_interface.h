@@ -37,12 +37,21 @@ class IRigSystem : public corvanta::FPMixinInterface {
     kSetExtraNumControls,
     kGetExtraNumBones,
     kSetExtraNumBones,
+    kGetBuildNotes,
+    kGetBuildError,
+    kGetUnknownPoints,
   };
 
   /// Builds the nodes of the template. Nothing on a built rig. One undo step, "Create Rig".
   virtual void CreateRig() = 0;
   /// Deletes the nodes and gives the template back. Nothing on a template. One undo step.
   virtual void ResetRig() = 0;
+  /// What the last build left out although the options ask for it, one line each.
+  virtual const std::vector<WStr>& BuildNotes() const = 0;
+  /// What went wrong in the last build; empty after a good one.
+  virtual const WStr& BuildError() const = 0;
+  /// Points of the last loaded template file that this rig's template does not have.
+  virtual const std::vector<WStr>& UnknownPoints() const = 0;
   virtual int GetType() const = 0;
   /// Discards all points and resets the counts that depend on the type. An index that is no type changes nothing.
   /// Undoable.

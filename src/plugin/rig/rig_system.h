@@ -64,8 +64,6 @@ class RigSystem final : public corvanta::HelperObject, public IRigSystem, public
   std::vector<corvanta::INode*> OwnedNodes() const;
   /// The node that carries this object; null when none does.
   corvanta::INode* ObjectNode() const;
-  /// What went wrong in the last build; empty after a good one.
-  const WStr& BuildError() const { return buildError_; }
 
   // Editing.
 
@@ -88,6 +86,9 @@ class RigSystem final : public corvanta::HelperObject, public IRigSystem, public
   const RigLoadReport& LastLoad() const { return lastLoad_; }
 
   // IRigSystem.
+  const std::vector<WStr>& BuildNotes() const override { return buildNotes_; }
+  const WStr& BuildError() const override { return buildError_; }
+  const std::vector<WStr>& UnknownPoints() const override { return lastLoad_.unknownPoints; }
   void CreateRig() override;
   void ResetRig() override;
   int GetType() const override { return block_ ? block_->GetInt(rig_param::kHelperType) : 0; }
@@ -194,6 +195,7 @@ class RigSystem final : public corvanta::HelperObject, public IRigSystem, public
   /// Above 0: writes of parameters are not acted on, since who writes them rebuilds by itself.
   int quiet_ = 0;
   WStr buildError_;
+  std::vector<WStr> buildNotes_;
   RigLoadReport lastLoad_;
 };
 

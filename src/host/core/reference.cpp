@@ -142,11 +142,24 @@ void ReferenceTarget::DropDependent(ReferenceMaker* maker, bool deleteIfLast) {
   }
 }
 
+// A long chain of objects of which each is the last dependent of the next goes without recursion: what dies meanwhile
+// waits in a list.
 void ReferenceTarget::MaybeDelete() {
+  static auto& dying = *new std::vector<ReferenceTarget*>;  // objects may die after statics here
+  static bool running = false;
   if (keepAlive_ > 0 || delivering_ > 0 || !dependents_.empty()) return;
   ++keepAlive_;  // nothing that happens while the references go may come back here
-  DeleteAllRefs();
-  delete this;
+  SetFlag(A_DORMANT);
+  dying.push_back(this);
+  if (running) return;
+  running = true;
+  while (!dying.empty()) {
+    ReferenceTarget* target = dying.back();
+    dying.pop_back();
+    target->DeleteAllRefs();
+    delete target;
+  }
+  running = false;
 }
 
 void RefBase::Release(ReferenceTarget* target) {

@@ -15,7 +15,6 @@ float Factor(float to, float from) { return from != 0 ? to / from : 1; }
 
 ScaleValue CombineScale(const ScaleValue& old, const ScaleValue& delta) {
   if (IsUniform(delta.s) || SameAxes(old.q, delta.q)) return {old.s * delta.s, old.q};
-  if (IsUniform(old.s)) return {old.s * delta.s, delta.q};
   const AffineParts parts = decomp_affine(MakeMatrix(old) * MakeMatrix(delta));
   return {parts.k * parts.f, parts.u};
 }

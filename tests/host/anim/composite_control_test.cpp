@@ -364,6 +364,19 @@ TEST(ListControl, EntriesNamesAndUndo) {
   theHold.Flush();
 }
 
+TEST(ListControl, TheActiveEntryStaysActive) {
+  const Ref<Control> c = Make(kFloatControlSuper, kFloatListId);
+  IListControl* list = GetListControl(c.Get());
+  for (int i = 0; i < 3; ++i) list->Append(NewDefaultFloatController());
+  list->SetActive(1);
+  const Control* active = list->GetEntry(1);
+  list->Delete(3);
+  list->Delete(0);
+  EXPECT_EQ(list->GetEntry(list->GetActive()), active);
+  list->Delete(0);
+  EXPECT_EQ(list->GetActive(), 0);  // it has gone: the next takes over
+}
+
 TEST(ListControl, PublishedInterface) {
   const Ref<Control> c = Make(kFloatControlSuper, kFloatListId);
   FPInterface* list = c->GetInterface(kListControlInterface);

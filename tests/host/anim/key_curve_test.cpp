@@ -360,6 +360,20 @@ TEST(ReduceKeys, StaysWithinTheThreshold) {
   }
 }
 
+// Smooth tangents carry a change two keys far, where it counts as well.
+TEST(ReduceKeys, LooksAsFarAsTangentsReach) {
+  std::mt19937 rng(12);
+  std::uniform_real_distribution<float> value(-1, 1);
+  for (int i = 0; i < 100; ++i) {
+    std::vector<IBezFloatKey> keys;
+    for (int k = 0; k < 12; ++k) keys.push_back(Bez(k * 100, value(rng), Tangent::Smooth, Tangent::Smooth));
+    const auto before = Curve(keys);
+    auto after = before;
+    ReduceKeys(after, 0.3f, 10, FOREVER);
+    for (TimeValue t = 0; t <= 1100; t += 10) ASSERT_LE(Difference(At(before, t), At(after, t)), 0.3f) << i << ' ' << t;
+  }
+}
+
 TEST(ReduceKeys, AStraightLineNeedsItsEnds) {
   std::vector<IBezFloatKey> keys;
   for (TimeValue t = 0; t <= 2000; t += 100) keys.push_back(Bez(t, t * 0.5f, Tangent::Linear, Tangent::Linear));

@@ -64,6 +64,11 @@ class Shift : public TimeMap {
   int by_;
 };
 
+class Gather : public TimeMap {
+ public:
+  TimeValue Map(TimeValue) const override { return 5; }
+};
+
 void EditSome(Control& c, std::mt19937& rng) {
   const auto number = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
   const TimeValue t = number(20) * 10;
@@ -348,6 +353,18 @@ TEST(KeyframeControl, KeyEdits) {
          c.MapKeys(Shift(10), KEYMAP_SELECTED | KEYMAP_FROM_LAST);
        },
        {{0, 0}, {20, 1}, {30, 3}}},
+      {"of keys that move together the walk's last stays",
+       [](Control& c) {
+         c.SelectKeys({10, 20}, true);
+         c.MapKeys(Gather(), KEYMAP_SELECTED);
+       },
+       {{0, 0}, {5, 2}, {30, 3}}},
+      {"walked from the other end",
+       [](Control& c) {
+         c.SelectKeys({10, 20}, true);
+         c.MapKeys(Gather(), KEYMAP_SELECTED | KEYMAP_FROM_LAST);
+       },
+       {{0, 0}, {5, 1}, {30, 3}}},
       {"delete time",
        [](Control& c) {
          c.DeleteTime({5, 15}, 0);

@@ -212,5 +212,19 @@ TEST(Orthogonalize, NearestAndIdempotent) {
   }
 }
 
+// What a long chain of products leaves of a rotation comes back as a rotation, and without axes of a stretch.
+TEST(Orthogonalize, RoundingOfARotation) {
+  Random random;
+  for (int i = 0; i < 500; ++i) {
+    Matrix3 m = MakeMatrix(random.Rotation());
+    for (int r = 0; r < 3; ++r) m.row[r] += random.Point(3e-6f);
+    const Matrix3 o = Orthogonalize(m);
+    ASSERT_LT(Distance(o * Inverse(MakeMatrix(QuatFromMatrix(o))), Matrix3{}), 1e-6f);
+    for (int r = 0; r < 3; ++r) ASSERT_NEAR(Dot(o.row[r], o.row[(r + 1) % 3]), 0, 4e-7f);
+    ASSERT_EQ(Orthogonalize(o), o);
+    ASSERT_EQ(decomp_affine(m).u, Quat{});
+  }
+}
+
 }  // namespace
 }  // namespace corvanta

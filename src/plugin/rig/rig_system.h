@@ -93,16 +93,16 @@ class RigSystem final : public corvanta::HelperObject, public IRigSystem, public
   void ResetRig() override;
   int GetType() const override { return block_ ? block_->GetInt(rig_param::kHelperType) : 0; }
   void SetType(int type) override;
-  Point3 GetPointPos(const WStr& name, int side, int index, int sub_index) const override;
-  void SetPointPos(const WStr& name, const Point3& pos, int side, int index, int sub_index) override;
-  WStr GetPointParent(const WStr& name, int side, int index, int sub_index) const override;
+  Point3 GetPointPos(const WStr& name, int side = -1, int index = -1, int sub_index = -1) const override;
+  void SetPointPos(const WStr& name, const Point3& pos, int side = -1, int index = -1, int sub_index = -1) override;
+  WStr GetPointParent(const WStr& name, int side = -1, int index = -1, int sub_index = -1) const override;
   bool Load(const WStr& fileName) override;
   bool LoadDlg() override;
   bool Save(const WStr& fileName) override;
   bool SaveDlg() override;
   int GetNumExtras() const override { return static_cast<int>(state_.extras.size()); }
-  bool AddExtra(const WStr& name, const WStr& parent, int side, int num_controls, int num_bones,
-                bool use_bones) override;
+  bool AddExtra(const WStr& name = {}, const WStr& parent = {}, int side = kSideNone, int num_controls = 1,
+                int num_bones = 2, bool use_bones = false) override;
   bool RemoveExtra(int index) override;
   WStr GetExtraName(int index) const override;
   void SetExtraName(int index, const WStr& name) override;

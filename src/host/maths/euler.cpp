@@ -79,8 +79,27 @@ Quat EulerToQuat(const Point3& e, int order) {
   return q.w < 0 ? -q : q;
 }
 
+namespace {
+
+// The product of the three axis matrices, written out: with s as above, the rows i, j and k on the columns i, j, k.
+Matrix3 ThreeAxisMatrix(const Point3& e, int order) {
+  const int i = kEulerAxes[order][0], j = kEulerAxes[order][1], k = kEulerAxes[order][2];
+  const float s = (i + 1) % 3 == j ? 1.0f : -1.0f;
+  const float sa = s * std::sin(e.x), ca = std::cos(e.x);
+  const float sb = s * std::sin(e.y), cb = std::cos(e.y);
+  const float sc = s * std::sin(e.z), cc = std::cos(e.z);
+  Matrix3 m;
+  m.row[i][i] = cb * cc, m.row[i][j] = cb * sc, m.row[i][k] = -sb;
+  m.row[j][i] = sa * sb * cc - ca * sc, m.row[j][j] = ca * cc + sa * sb * sc, m.row[j][k] = sa * cb;
+  m.row[k][i] = sa * sc + ca * sb * cc, m.row[k][j] = ca * sb * sc - sa * cc, m.row[k][k] = ca * cb;
+  return m;
+}
+
+}  // namespace
+
 Matrix3 EulerToMatrix(const Point3& e, int order) {
   order = CheckedOrder(order);
+  if (order < kXYX) return ThreeAxisMatrix(e, order);
   Matrix3 m;
   for (int n = 2; n >= 0; --n) {
     switch (kEulerAxes[order][n]) {

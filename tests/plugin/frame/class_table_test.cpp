@@ -99,7 +99,6 @@ TEST(ClassTable, NotBuiltYet) {
                                             L"UI2DSlider",
                                             L"UISpinner",
                                             L"UI2DSpinner",
-                                            L"Rig",
                                             L"IKFKChain",
                                             L"IKFKControl",
                                             L"IKFKLink",

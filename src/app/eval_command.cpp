@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/command_line.h"
+#include "app/script_session.h"
 
 namespace app {
 
@@ -14,7 +15,10 @@ struct EvalOptions {
   bool json = false;
 };
 
-int Eval(const EvalOptions&) { return Fail("eval: the script engine is not available in this build"); }
+int Eval(const EvalOptions& options) {
+  return RunInScene([&] { return corvanta::RunScript(corvanta::FromUtf8(options.text), L"eval"); },
+                    options.json ? ShowValue::AsJson : ShowValue::AsText);
+}
 
 }  // namespace
 

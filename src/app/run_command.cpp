@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/command_line.h"
+#include "app/script_session.h"
 
 namespace app {
 
@@ -15,7 +16,12 @@ struct RunOptions {
   std::vector<std::string> arguments;
 };
 
-int Run(const RunOptions&) { return Fail("run: the script engine is not available in this build"); }
+int Run(const RunOptions& options) {
+  std::vector<corvanta::WStr> arguments;
+  for (const std::string& argument : options.arguments) arguments.push_back(corvanta::FromUtf8(argument));
+  return RunInScene([&] { return corvanta::RunScriptFile(corvanta::FromUtf8(options.file), arguments); },
+                    ShowValue::No);
+}
 
 }  // namespace
 

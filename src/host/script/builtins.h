@@ -24,6 +24,8 @@ std::span<const BuiltinRow> ClassBuiltins();
 
 /// The function, constant or class of a lower-case name.
 bool FindBuiltin(const WStr& name, Value& out);
+/// `*` stands for any text, `?` for one character; case counts.
+bool MatchesPattern(const WStr& text, const WStr& pattern);
 /// The class of a value as a value, for `classOf`.
 Value ClassValue(const WStr& name);
 /// All names in lower case.

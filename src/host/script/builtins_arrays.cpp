@@ -23,6 +23,7 @@ size_t Find(const ArrayObject& items, const Value& wanted) {
 }
 
 Value Append(const CallArgs& args) {
+  if (args[0].Is(Kind::Object) && args[0].AsObject().Append(args[1])) return args[0];
   args.Array(0).Append(args[1]);
   return args[0];
 }
@@ -38,13 +39,20 @@ Value InsertItem(const CallArgs& args) {
   return args[1];
 }
 Value DeleteItem(const CallArgs& args) {
+  if (args[0].Is(Kind::Object)) {
+    const auto count = args[0].AsObject().Count();
+    if (count > 0 && args[0].AsObject().DeleteItem(static_cast<int64_t>(Place(args, 1, static_cast<size_t>(count)))))
+      return args[0];
+  }
   ArrayObject& items = args.Array(0);
   if (items.Count() == 0) Fail(L"deleteItem: the array is empty");
   items.Erase(Place(args, 1, items.Count()));
   return args[0];
 }
 Value FindItem(const CallArgs& args) {
-  const ArrayObject& items = args.Array(0);
+  const Value list = args[0].Is(Kind::Object) ? Convert(args[0], ConversionType::Array) : args[0];
+  if (!list.Is(Kind::Array)) args.Wrong(0, L"an array");
+  const ArrayObject& items = list.AsArray();
   const size_t at = Find(items, args[1]);
   return Value::Int(at == items.Count() ? 0 : static_cast<int64_t>(at + 1));
 }

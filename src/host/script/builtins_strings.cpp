@@ -87,36 +87,13 @@ Value TrimRight(const CallArgs& args) {
   return Value::String(end == WStr::npos ? L"" : args.Text(0).substr(0, end + 1));
 }
 
-// `*` any text, `?` one character; greedy with one point of return, so the time is bounded by the product of
-// the lengths.
-bool Matches(const WStr& text, const WStr& pattern) {
-  size_t t = 0, p = 0, star = WStr::npos, resume = 0;
-  while (t < text.size()) {
-    if (p < pattern.size() && pattern[p] == L'*') {
-      star = p++;
-      resume = t;
-    } else if (p < pattern.size() && (pattern[p] == L'?' || pattern[p] == text[t])) {
-      ++p;
-      ++t;
-    } else if (star != WStr::npos) {
-      p = star + 1;
-      t = ++resume;
-      if (Interpreter* vm = Interpreter::Current()) vm->Step();
-    } else {
-      return false;
-    }
-  }
-  while (p < pattern.size() && pattern[p] == L'*') ++p;
-  return p == pattern.size();
-}
-
 Value MatchPattern(const CallArgs& args) {
   args.CheckKeywords({L"pattern", L"ignorecase"});
   const Value* pattern = args.Keyword(L"pattern");
   const Value* ignore = args.Keyword(L"ignorecase");
   const WStr wanted = pattern && pattern->IsText() ? pattern->AsText() : args.Count() > 1 ? args.Text(1) : L"";
-  if (ignore && ignore->Is(Kind::Bool) && !ignore->AsBool()) return Value::Bool(Matches(args.Text(0), wanted));
-  return Value::Bool(Matches(ToLower(args.Text(0)), ToLower(wanted)));
+  if (ignore && ignore->Is(Kind::Bool) && !ignore->AsBool()) return Value::Bool(MatchesPattern(args.Text(0), wanted));
+  return Value::Bool(MatchesPattern(ToLower(args.Text(0)), ToLower(wanted)));
 }
 
 Value CharacterCode(const CallArgs& args) {
@@ -163,6 +140,29 @@ const BuiltinRow kRows[] = {
 };
 
 }  // namespace
+
+// `*` any text, `?` one character; greedy with one point of return, so the time is bounded by the product of
+// the lengths.
+bool MatchesPattern(const WStr& text, const WStr& pattern) {
+  size_t t = 0, p = 0, star = WStr::npos, resume = 0;
+  while (t < text.size()) {
+    if (p < pattern.size() && pattern[p] == L'*') {
+      star = p++;
+      resume = t;
+    } else if (p < pattern.size() && (pattern[p] == L'?' || pattern[p] == text[t])) {
+      ++p;
+      ++t;
+    } else if (star != WStr::npos) {
+      p = star + 1;
+      t = ++resume;
+      if (Interpreter* vm = Interpreter::Current()) vm->Step();
+    } else {
+      return false;
+    }
+  }
+  while (p < pattern.size() && pattern[p] == L'*') ++p;
+  return p == pattern.size();
+}
 
 std::span<const BuiltinRow> StringBuiltins() { return kRows; }
 

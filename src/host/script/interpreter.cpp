@@ -19,6 +19,7 @@ constexpr size_t kChunkValues = 4096;
 
 std::atomic<bool> g_interrupted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "set from a signal handler");
+bool (*g_interruptCheck)() = nullptr;
 Interpreter* g_current = nullptr;
 const char* g_stackBase = nullptr;  // of the outermost run
 
@@ -40,6 +41,7 @@ class Running {
 }  // namespace
 
 void InterruptScripts() { g_interrupted.store(true, std::memory_order_relaxed); }
+void SetInterruptCheck(bool (*isInterrupted)()) { g_interruptCheck = isInterrupted; }
 
 WStr ScriptHost::ReadScript(const WStr& path) { FailWith(L"cannot read `%s`", path.c_str()); }
 
@@ -85,7 +87,8 @@ int Interpreter::GlobalIndex(const WStr& name) {
 void Interpreter::Define(const WStr& name, const Value& value) { Global(GlobalIndex(ToLower(name))) = value; }
 
 void Interpreter::CheckLimits() {
-  if (g_interrupted.exchange(false)) throw ScriptError(L"interrupted", ScriptError::Class::Interrupted);
+  if (g_interrupted.exchange(false) || (g_interruptCheck && g_interruptCheck()))
+    throw ScriptError(L"interrupted", ScriptError::Class::Interrupted);
   if (limits_.steps > 0) {
     if (stepsLeft_ <= 0) throw ScriptError(L"the script took more than its steps", ScriptError::Class::Interrupted);
     slice_ = static_cast<int>(std::min<int64_t>(stepsLeft_, kSlice));

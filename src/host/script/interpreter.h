@@ -106,5 +106,7 @@ class Interpreter {
 
 /// Ends the script that runs, with a message; safe to call from a signal handler or another thread.
 void InterruptScripts();
+/// Asked now and then while a script runs; true ends it. Null asks nothing.
+void SetInterruptCheck(bool (*isInterrupted)());
 
 }  // namespace corvanta::script

@@ -88,12 +88,12 @@ ContainerList::~ContainerList() {
     if (container->reached_) {
       container->reached_ = false;
     } else {
-      container->Ref();
+      container->AddRef();
       lost.push_back(container);
     }
   }
   for (Container* container : lost) container->Clear();
-  for (Container* container : lost) container->Unref();
+  for (Container* container : lost) container->DropRef();
   g_current = outer_;
   anchor_->next_ = nullptr;
   delete anchor_;

@@ -138,6 +138,9 @@ class HostObject : public HeapObject {
   virtual int64_t Count() { return -1; }
   /// Item `i` from 0, with `Count() >= 0`.
   virtual Value Item(int64_t i) { return {}; }
+  // Lists that scripts can change with `append` and `deleteItem`; `i` from 0.
+  virtual bool Append(const Value& value) { return false; }
+  virtual bool DeleteItem(int64_t i) { return false; }
   /// Names for a message that tells what there is; may be long or empty.
   virtual std::vector<WStr> PropertyNames() { return {}; }
 };

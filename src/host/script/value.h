@@ -47,8 +47,8 @@ class HeapObject {
   HeapObject(const HeapObject&) = delete;
   HeapObject& operator=(const HeapObject&) = delete;
   virtual ~HeapObject() = default;
-  void Ref() { ++refs_; }
-  void Unref() {
+  void AddRef() { ++refs_; }
+  void DropRef() {
     if (--refs_ == 0) delete this;
   }
 
@@ -68,7 +68,7 @@ class Value {
  public:
   Value() : kind_(Kind::Undefined) {}
   Value(const Value& b) : payload_(b.payload_), kind_(b.kind_) {
-    if (IsHeap(kind_)) payload_.heap->Ref();
+    if (IsHeap(kind_)) payload_.heap->AddRef();
   }
   Value(Value&& b) noexcept : payload_(b.payload_), kind_(b.kind_) { b.kind_ = Kind::Undefined; }
   Value& operator=(const Value& b) {
@@ -81,7 +81,7 @@ class Value {
     return *this;
   }
   ~Value() {
-    if (IsHeap(kind_)) payload_.heap->Unref();
+    if (IsHeap(kind_)) payload_.heap->DropRef();
   }
   void Swap(Value& b) noexcept {
     std::swap(payload_, b.payload_);
@@ -131,7 +131,7 @@ class Value {
   static Value Heap(Kind kind, HeapObject* object) {
     Value v;
     if (object) {
-      object->Ref();
+      object->AddRef();
       v.kind_ = kind;
       v.payload_.heap = object;
     }

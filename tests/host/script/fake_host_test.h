@@ -38,6 +38,10 @@ class FakeObject final : public HostObject {
 
 class FakeHost final : public ScriptHost {
  public:
+  /// Objects and their functions refer to each other.
+  ~FakeHost() override {
+    for (Value& object : owned) static_cast<FakeObject&>(object.AsObject()).properties.clear();
+  }
   GlobalUse FindGlobal(const WStr& name) override {
     if (name == L"slidertime") return GlobalUse::Writable;
     return globals.count(name) ? GlobalUse::ReadOnly : GlobalUse::None;
@@ -63,6 +67,7 @@ class FakeHost final : public ScriptHost {
   void DefineMacro(const MacroDefinition& macro) override { macros.push_back(macro); }
 
   std::map<WStr, Value> globals, nodes;
+  std::vector<Value> owned;
   std::vector<MacroDefinition> macros;
   TimeValue time = 0;
   WStr output, log;

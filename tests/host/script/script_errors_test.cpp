@@ -66,18 +66,17 @@ const ErrorRow kErrors[] = {
     {L"[1,2,3].x = 3", 1, 9, L"a part of a value that has no name cannot be assigned"},
 };
 
-FakeHost MakeHost() {
-  FakeHost host;
+void AddThing(FakeHost& host) {
   auto* thing = new FakeObject(L"thing");
   host.globals[L"thing"] = Value::Object(thing);
   thing->properties = {{L"alpha", Value::Int(1)}, {L"beta", Value::Int(2)}};
-  return host;
 }
 
 TEST(ScriptErrors, PointAtTheirPlace) {
   for (const ErrorRow& row : kErrors) {
     SCOPED_TRACE(ToUtf8(row.text));
-    FakeHost host = MakeHost();
+    FakeHost host;
+    AddThing(host);
     Interpreter vm(host);
     const RunResult result = vm.Run(row.text, L"test.cvs");
     EXPECT_EQ(result.ok, row.message == nullptr);

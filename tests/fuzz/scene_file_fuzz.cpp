@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "host/io/scene_file.h"
+#include "plugin/frame/class_table.h"
 #include "support/scene_samples.h"
 
 using namespace corvanta;
@@ -33,6 +34,7 @@ std::vector<uint8_t> Saved() {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   scene_samples::RegisterSampleClasses();
+  tavrilon::RegisterTavrilonClasses();
   if (size == 0) return 0;
   const Scene* before = &GetScene();
   const WStr error = LoadSceneFromBytes({data + 1, size - 1}, (data[0] & 1) != 0);

@@ -163,9 +163,7 @@ class SampleFloat final : public Control, public ILockedTrack {
   }
   void SetValue(TimeValue, ValueRef value, bool, GetSetMethod) override { keys = {{0, value.Float()}}; }
   int NumKeys() const override { return static_cast<int>(keys.size()); }
-  TimeValue GetKeyTime(int i) const override {
-    return i >= 0 && i < NumKeys() ? keys[static_cast<size_t>(i)].time : 0;
-  }
+  TimeValue GetKeyTime(int i) const override { return i >= 0 && i < NumKeys() ? keys[static_cast<size_t>(i)].time : 0; }
   IOResult Save(ISave& save) override {
     save.BeginChunk(1);
     save.Write(static_cast<uint32_t>(keys.size()));
@@ -302,6 +300,24 @@ inline void FillSampleScene(Scene& scene) {
   attrib->block->SetValue(kNodeParam, 0, bare);
   scene.GetTrackViewRootNode()->AddItem(new SampleObject, L"item", {1, 2});
   scene.GetTrackViewRootNode()->AddItem(visibility, L"shared", {3, 4});
+}
+
+/// A chain of nodes with the host's own controllers and `keys` keys on each track of their transforms.
+inline void FillKeyedScene(Scene& scene, int nodes, int keys) {
+  INode* parent = nullptr;
+  for (int i = 0; i < nodes; ++i) {
+    INode* node = scene.CreateObjectNode(static_cast<Object*>(CreateInstance(kHelperSuper, {0x2013, 0})));
+    if (parent) parent->AttachChild(node, false);
+    if (i % 4 == 0) parent = node;
+    AnimateOn();
+    for (int k = 1; k < keys; ++k) {
+      Matrix3 tm;
+      tm.RotateX(0.1f * static_cast<float>(k));
+      tm.SetTrans({static_cast<float>(i), static_cast<float>(k), 1});
+      node->SetNodeTM(k * 200, tm);
+    }
+    AnimateOff();
+  }
 }
 
 /// Any scene of up to about `size` nodes.

@@ -144,6 +144,20 @@ TEST_F(SceneFileTest, EveryRegisteredClassComesBack) {
   EXPECT_GE(count, 8);
 }
 
+TEST_F(SceneFileTest, KeyedNodesStandWhereTheyStood) {
+  FillKeyedScene(GetScene(), 9, 4);
+  const auto matrices = [] {
+    std::vector<Matrix3> all;
+    for (const Ref<INode>& node : GetScene().Nodes())
+      for (const TimeValue t : {-300, 0, 90, 200, 610}) all.push_back(node->GetNodeTM(t));
+    return all;
+  };
+  const std::vector<Matrix3> before = matrices();
+  EXPECT_FALSE(before[1] == before[3]) << "nothing moves: the test proves nothing";
+  ExpectRoundTrip();
+  EXPECT_TRUE(matrices() == before);
+}
+
 TEST_F(SceneFileTest, RandomScenesComeBack) {
   std::mt19937 rng(41);
   for (int i = 0; i < 40; ++i) {

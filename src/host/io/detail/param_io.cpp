@@ -134,6 +134,8 @@ struct RowReader {
   void ReadTarget(int tab) {
     ReferenceTarget* target = ReadPlace(flags & kRowWeak);
     if (!target || !IsTargetType(row.type)) return;
+    // What was only watched was not looked at for loops among references: it cannot become one.
+    if ((flags & kRowWeak) && !row.Is(kWeak)) return;
     if (row.type == ParamType::Node && !target->AsNode()) {
       load.Fail("a parameter for a node refers to something else");
       return;

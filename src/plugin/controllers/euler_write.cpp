@@ -79,16 +79,6 @@ void TurnInSteps(Point3& e, const AngAxis& turn, int order) {
 
 }  // namespace
 
-Point3 TracksToAngles(const Point3& tracks, int order) {
-  if (RepeatsAxis(order)) return tracks;
-  return {tracks[kEulerAxes[order][0]], tracks[kEulerAxes[order][1]], tracks[kEulerAxes[order][2]]};
-}
-
-Point3 AnglesToTracks(const Point3& angles, int order) {
-  if (RepeatsAxis(order)) return angles;
-  return {angles[kEulerPosition[order][0]], angles[kEulerPosition[order][1]], angles[kEulerPosition[order][2]]};
-}
-
 int GimbalMarkedAxis(const Point3& axis) {
   for (int i = 0; i < 3; ++i)
     if (axis[i] == 1.0f && axis[(i + 1) % 3] == 0.0f && axis[(i + 2) % 3] == kMark) return i;

@@ -11,8 +11,16 @@ namespace tavrilon {
 inline bool RepeatsAxis(int order) { return order >= corvanta::kXYX; }
 
 /// Values of the tracks X, Y, Z to angles in the order of application, and back.
-corvanta::Point3 TracksToAngles(const corvanta::Point3& tracks, int order);
-corvanta::Point3 AnglesToTracks(const corvanta::Point3& angles, int order);
+inline corvanta::Point3 TracksToAngles(const corvanta::Point3& tracks, int order) {
+  if (order == corvanta::kXYZ || RepeatsAxis(order)) return tracks;
+  const auto& axes = corvanta::kEulerAxes[order];
+  return {tracks[axes[0]], tracks[axes[1]], tracks[axes[2]]};
+}
+inline corvanta::Point3 AnglesToTracks(const corvanta::Point3& angles, int order) {
+  if (RepeatsAxis(order)) return angles;
+  const auto& positions = corvanta::kEulerPosition[order];
+  return {angles[positions[0]], angles[positions[1]], angles[positions[2]]};
+}
 
 /// The mark by which the gimbal gizmo names an axis: 1.0 on it, 0 on the next one in cyclic order, and the smallest
 /// normal float on the one after. Returns the axis, -1 without the mark.

@@ -136,12 +136,8 @@ Control* GetRealRotationController(Control* transform) {
 
 // Interfaces.
 
-void* RigControl::GetInterface(uint32_t request) {
-  return request == I_LOCKED ? static_cast<ILockedTrack*>(this) : Control::GetInterface(request);
-}
-
 FPInterface* RigControl::GetInterface(const Interface_ID& id) {
-  return id == kId ? static_cast<IRigControl*>(this) : Control::GetInterface(id);
+  return id == kId ? static_cast<IRigControl*>(this) : CompositeControl::GetInterface(id);
 }
 
 // References.
@@ -187,9 +183,19 @@ WStr RigControl::SubAnimName(int i) {
   return i >= 0 && i < 4 ? kNames[i] : L"";
 }
 
+Control* RigControl::Part(int i) const {
+  Control* const parts[] = {position_, rotation_, scale_};
+  return i >= 0 && i < 3 ? parts[i] : nullptr;
+}
+
+SClass_ID RigControl::PartSuperClass(int i) const {
+  static constexpr SClass_ID kKinds[] = {kPositionControlSuper, kRotationControlSuper, kScaleControlSuper};
+  return kKinds[i];
+}
+
 bool RigControl::AssignController(Control* control, int subAnim) {
-  static constexpr SClass_ID kKinds[] = {0, kPositionControlSuper, kRotationControlSuper, kScaleControlSuper};
-  if (!CanAssignController(subAnim) || (control && control->SuperClassID() != kKinds[subAnim])) return false;
+  if (!CanAssignController(subAnim)) return false;
+  if (control && control->SuperClassID() != PartSuperClass(subAnim - kPositionRef)) return false;
   if (ReplaceReference(subAnim, control) != REF_SUCCEED) return false;
   NotifyDependents(FOREVER, PART_ALL, REFMSG_CONTROLREF_CHANGE);
   NotifyDependents();

@@ -3,13 +3,15 @@
 // the parent. The offset holds the figure pose, so that a control at rest reads 0, 0, 1.
 #pragma once
 
+#include "host/anim/composite_control.h"
 #include "host/core/param_block.h"
 #include "plugin/controllers/rig_control_interface.h"
 #include "plugin/controllers/rig_offset.h"
 
 namespace tavrilon {
 
-class RigControl final : public corvanta::Control, public IRigControl, public corvanta::ILockedTrackImp {
+/// Parts are position, rotation and scale: key operations go to all three.
+class RigControl final : public corvanta::CompositeControl, public IRigControl {
  public:
   enum Param : corvanta::ParamID {
     kFigureMode = 0,
@@ -46,12 +48,9 @@ class RigControl final : public corvanta::Control, public IRigControl, public co
   bool SetPositionController(corvanta::Control* c) override { return AssignController(c, kPositionRef); }
   bool SetRotationController(corvanta::Control* c) override { return AssignController(c, kRotationRef); }
   bool SetScaleController(corvanta::Control* c) override { return AssignController(c, kScaleRef); }
-  bool IsLeaf() const override { return false; }
-  bool IsReplaceable() const override { return !locked_; }
-  bool CanOverwrite() const override { return !locked_; }
   /// "FIGURE MODE ON" while the mode is on and the node is selected.
   void Display(corvanta::TimeValue t, corvanta::INode* node, corvanta::GraphicsWindow& view) override;
-  void* GetInterface(uint32_t request) override;
+  using CompositeControl::GetInterface;
 
   // IRigControl
   corvanta::Point3 GetOffsetPos() const override { return GetOffsetTM().GetTrans(); }
@@ -75,7 +74,6 @@ class RigControl final : public corvanta::Control, public IRigControl, public co
   int NumSubs() const override { return 4; }
   corvanta::Animatable* SubAnim(int i) override { return GetReference(i); }
   corvanta::WStr SubAnimName(int i) override;
-  int SubNumToRefNum(int i) override { return i; }
   /// Only sub-animatables 1 to 3, with a controller of their kind.
   bool CanAssignController(int subAnim) override { return subAnim >= kPositionRef && subAnim <= kScaleRef; }
   bool AssignController(corvanta::Control* control, int subAnim) override;
@@ -88,6 +86,9 @@ class RigControl final : public corvanta::Control, public IRigControl, public co
   void ReadBlock();
 
  protected:
+  int NumParts() const override { return 3; }
+  corvanta::Control* Part(int i) const override;
+  corvanta::SClass_ID PartSuperClass(int i) const override;
   void SetReference(int which, corvanta::ReferenceTarget* target) override;
 
  private:

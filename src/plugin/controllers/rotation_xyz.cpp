@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-// Evaluation, writing and storing. The key operations are in rotation_xyz_keys.cpp.
 #include "plugin/controllers/rotation_xyz.h"
 
 #include "host/core/state_restore.h"
@@ -18,8 +17,7 @@ RotationXYZ::RotationXYZ(bool loading) {
 
 void* RotationXYZ::GetInterface(uint32_t request) {
   if (request == I_EULERCTRL) return static_cast<IEulerControl*>(this);
-  if (request == I_LOCKED) return static_cast<ILockedTrack*>(this);
-  return Control::GetInterface(request);
+  return CompositeControl::GetInterface(request);
 }
 
 // Evaluation.
@@ -28,7 +26,7 @@ Point3 RotationXYZ::GetTrackValues(TimeValue t) {
   Point3 values;
   Interval valid = FOREVER;
   for (int i = 0; i < 3; ++i)
-    if (Control* track = tracks_.track[i]) track->GetValue(t, values[i], valid, CTRL_ABSOLUTE);
+    if (Control* track = tracks_[i]) track->GetValue(t, values[i], valid, CTRL_ABSOLUTE);
   return values;
 }
 
@@ -47,7 +45,7 @@ void RotationXYZ::UpdateCache(TimeValue t) {
   Point3 values;
   Interval valid = FOREVER;
   for (int i = 0; i < 3; ++i)
-    if (Control* track = tracks_.track[i]) track->GetValue(t, values[i], valid, CTRL_ABSOLUTE);
+    if (Control* track = tracks_[i]) track->GetValue(t, values[i], valid, CTRL_ABSOLUTE);
   KeepAngles(TracksToAngles(values, order_), valid);
 }
 
@@ -70,7 +68,7 @@ void RotationXYZ::SetValue(TimeValue t, ValueRef value, bool, GetSetMethod metho
     TurnAngles(e, value.AngAxis(), order_, GetCOREInterface()->GetRefCoordSys() == RefCoordSys::Gimbal);
   } else {
     TimeValue lastKey;
-    if (!RepeatsAxis(order_) && Animating() && tracks_.LastKeyBefore(t, lastKey))
+    if (!RepeatsAxis(order_) && Animating() && GetNextKeyTime(t, false, lastKey))
       e = TracksToAngles(GetTrackValues(lastKey), order_);
     SetAngles(e, value.Quat(), order_);
   }
@@ -83,7 +81,7 @@ void RotationXYZ::WriteTracks(TimeValue t, const Point3& angles) {
   Point3 values = AnglesToTracks(angles, order_);
   writing_ = true;
   for (int i = 0; i < 3; ++i)
-    if (Control* track = tracks_.track[i]) track->SetValue(t, values[i], true, CTRL_ABSOLUTE);
+    if (Control* track = tracks_[i]) track->SetValue(t, values[i], true, CTRL_ABSOLUTE);
   writing_ = false;
   valid_.SetEmpty();
   NotifyDependents();
@@ -144,33 +142,15 @@ void RotationXYZ::Copy(Control* from) {
 
 // References.
 
-ReferenceTarget* RotationXYZ::GetReference(int which) const {
-  return which >= 0 && which < 3 ? tracks_.track[which] : nullptr;
-}
-
 void RotationXYZ::SetReference(int which, ReferenceTarget* target) {
   if (which < 0 || which > 2) return;
-  tracks_.track[which] = target ? target->AsControl() : nullptr;
+  tracks_[which] = target ? target->AsControl() : nullptr;
   valid_.SetEmpty();
 }
 
 WStr RotationXYZ::SubAnimName(int i) {
   static const wchar_t* const kNames[] = {L"X Rotation", L"Y Rotation", L"Z Rotation"};
   return i >= 0 && i < 3 ? kNames[i] : L"";
-}
-
-bool RotationXYZ::CanAssignController(int subAnim) {
-  if (locked_ || subAnim < 0 || subAnim > 2) return false;
-  const ILockedTrack* lock = GetLockedTrack(tracks_.track[subAnim]);
-  return !lock || !lock->GetLocked();
-}
-
-bool RotationXYZ::AssignController(Control* control, int subAnim) {
-  if (!CanAssignController(subAnim) || (control && control->SuperClassID() != kFloatControlSuper)) return false;
-  if (ReplaceReference(subAnim, control) != REF_SUCCEED) return false;
-  NotifyDependents(FOREVER, PART_ALL, REFMSG_CONTROLREF_CHANGE);
-  NotifyDependents();
-  return true;
 }
 
 RefResult RotationXYZ::NotifyRefChanged(const Interval&, ReferenceTarget*, PartID&, RefMessage message, bool) {

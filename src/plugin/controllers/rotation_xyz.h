@@ -5,8 +5,7 @@
 
 #include <optional>
 
-#include "host/core/control.h"
-#include "plugin/controllers/euler_key_tracks.h"
+#include "host/anim/composite_control.h"
 #include "plugin/frame/class_table.h"
 
 namespace tavrilon {
@@ -20,7 +19,8 @@ struct JointParams {
   Axis axis[3] = {};
 };
 
-class RotationXYZ final : public corvanta::Control, public corvanta::IEulerControl, public corvanta::ILockedTrackImp {
+/// Parts 0, 1, 2 are the tracks X, Y, Z; key operations go to all three.
+class RotationXYZ final : public corvanta::CompositeControl, public corvanta::IEulerControl {
  public:
   explicit RotationXYZ(bool loading = false);
 
@@ -28,7 +28,7 @@ class RotationXYZ final : public corvanta::Control, public corvanta::IEulerContr
   corvanta::SClass_ID SuperClassID() const override { return corvanta::kRotationControlSuper; }
   corvanta::Class_ID ClassID() const override { return kClassId; }
   corvanta::WStr GetClassName() const override { return DescOf(TavrilonClass::RotationXYZ).className; }
-  using Control::GetInterface;
+  using CompositeControl::GetInterface;
   void* GetInterface(uint32_t request) override;
 
   /// Absolute: a Quat. Relative: rotates the incoming matrix.
@@ -44,12 +44,10 @@ class RotationXYZ final : public corvanta::Control, public corvanta::IEulerContr
   int GetOrder() const override { return order_; }
   /// 0 to 8; the tracks keep their values. Dropped while locked. Undoable, "Change Euler Order".
   void SetOrder(int order) override;
-  corvanta::Control* GetAxisController(int axis) override {
-    return axis >= 0 && axis < 3 ? tracks_.track[axis] : nullptr;
-  }
-  corvanta::Control* GetXController() override { return tracks_.track[0]; }
-  corvanta::Control* GetYController() override { return tracks_.track[1]; }
-  corvanta::Control* GetZController() override { return tracks_.track[2]; }
+  corvanta::Control* GetAxisController(int axis) override { return Part(axis); }
+  corvanta::Control* GetXController() override { return tracks_[0]; }
+  corvanta::Control* GetYController() override { return tracks_[1]; }
+  corvanta::Control* GetZController() override { return tracks_[2]; }
 
   /// The values of the tracks at `t`, a missing one 0.
   corvanta::Point3 GetTrackValues(corvanta::TimeValue t);
@@ -58,39 +56,8 @@ class RotationXYZ final : public corvanta::Control, public corvanta::IEulerContr
   bool HasLegacyOrder() const { return legacyOrder_; }
   void StateRestored();
 
-  bool IsLeaf() const override { return false; }
-  bool IsKeyable() const override { return true; }
-  bool IsAnimated() override;
-  bool IsReplaceable() const override { return !locked_; }
-  bool CanOverwrite() const override { return !locked_; }
-
-  // Keys of the three tracks as one. All return at once while locked.
-  int NumKeys() const override;
-  corvanta::TimeValue GetKeyTime(int i) const override;
-  int GetKeyIndex(corvanta::TimeValue t) const override;
-  bool GetNextKeyTime(corvanta::TimeValue t, bool forward, corvanta::TimeValue& next) const override;
-  void AddNewKey(corvanta::TimeValue t) override;
-  void DeleteKeyAtTime(corvanta::TimeValue t) override;
-  void DeleteKeys(bool selectedOnly) override;
-  void SelectKeys(const corvanta::Interval& range, bool on) override;
-  bool IsKeySelected(int i) const override;
-  void MapKeys(const corvanta::TimeMap& map, uint32_t flags) override;
-  void DeleteTime(const corvanta::Interval& range, uint32_t flags) override;
-  void ReverseTime(const corvanta::Interval& range, uint32_t flags) override;
-  void CopyKeysFromTime(corvanta::TimeValue from, corvanta::TimeValue to) override;
-  corvanta::ORT GetORT(bool after) const override;
-  void SetORT(corvanta::ORT ort, bool after) override;
-
-  // References and sub-animatables: 0 X, 1 Y, 2 Z.
-  int NumRefs() const override { return 3; }
-  corvanta::ReferenceTarget* GetReference(int which) const override;
-  int NumSubs() const override { return 3; }
-  corvanta::Animatable* SubAnim(int i) override { return GetAxisController(i); }
   corvanta::WStr SubAnimName(int i) override;
-  int SubNumToRefNum(int i) override { return i; }
   corvanta::ParamDimension GetParamDimension(int) override { return corvanta::ParamDimension::Angle; }
-  bool CanAssignController(int subAnim) override;
-  bool AssignController(corvanta::Control* control, int subAnim) override;
   corvanta::RefResult NotifyRefChanged(const corvanta::Interval& interval, corvanta::ReferenceTarget* target,
                                        corvanta::PartID& part, corvanta::RefMessage message, bool propagate) override;
   void CopyStateFrom(corvanta::ReferenceTarget& source, corvanta::RemapDir& remap) override;
@@ -99,14 +66,15 @@ class RotationXYZ final : public corvanta::Control, public corvanta::IEulerContr
   void PostLoad() override { valid_.SetEmpty(); }
 
  protected:
+  int NumParts() const override { return 3; }
+  corvanta::Control* Part(int i) const override { return i >= 0 && i < 3 ? tracks_[i] : nullptr; }
+  corvanta::SClass_ID PartSuperClass(int) const override { return corvanta::kFloatControlSuper; }
   void SetReference(int which, corvanta::ReferenceTarget* target) override;
 
  private:
   void UpdateCache(corvanta::TimeValue t);
   void KeepAngles(const corvanta::Point3& angles, const corvanta::Interval& valid);
   void WriteTracks(corvanta::TimeValue t, const corvanta::Point3& angles);
-  template <class F>
-  void EditTracks(F&& f);
 
   // What evaluation reads comes first: how long the angles hold, the matrix that they make, and the tracks.
   corvanta::Interval valid_ = corvanta::NEVER;
@@ -114,7 +82,7 @@ class RotationXYZ final : public corvanta::Control, public corvanta::IEulerContr
   bool turns_ = false;
   corvanta::Matrix3 tm_;
   corvanta::Point3 angles_;
-  KeyTracks tracks_;
+  corvanta::Control* tracks_[3] = {nullptr, nullptr, nullptr};
   int order_ = 0;
   int cachedOrder_ = 0;
   bool legacyOrder_ = false;

@@ -194,6 +194,20 @@ TEST_F(RigControlTest, CloneSharesNothing) {
   EXPECT_TRUE(IsNear(made.node->GetNodeTM(0).GetTrans(), {5, 2, 3}, 1e-6f));
 }
 
+TEST_F(RigControlTest, KeysAreThoseOfTheParts) {
+  const Made made = AddControl(L"a");
+  AnimateOn();
+  SetXFormPacket move = SetXFormPacket::Move({1, 0, 0}), turn = SetXFormPacket::Rotate(AngAxis{{0, 0, 1}, 1});
+  made.control->SetValue(100, move, true, CTRL_RELATIVE);
+  made.control->SetValue(300, turn, true, CTRL_RELATIVE);
+  AnimateOff();
+  ASSERT_EQ(made.control->NumKeys(), 3);  // 0, 100, 300
+  EXPECT_EQ(made.control->GetKeyTime(2), 300);
+  EXPECT_TRUE(made.control->IsAnimated());
+  made.control->DeleteKeyAtTime(300);
+  EXPECT_EQ(made.control->NumKeys(), 2);
+}
+
 TEST_F(RigControlTest, LockIsStored) {
   const Made made = AddControl(L"a");
   made.control->SetLocked(true);

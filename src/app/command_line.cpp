@@ -33,13 +33,13 @@ int Fail(std::string_view problem) {
   return kFailed;
 }
 
-Subcommand& Subcommand::Text(const char* name, std::string& value, Given given, const char* help) {
-  Require(command_.add_option(name, value, help), given);
-  return *this;
+int WrongUsage(std::string_view problem) {
+  Fail(problem);
+  return kWrongUsage;
 }
 
-Subcommand& Subcommand::InputFile(const char* name, std::string& value, Given given, const char* help) {
-  Require(command_.add_option(name, value, help), given)->check(CLI::ExistingFile);
+Subcommand& Subcommand::Text(const char* name, std::string& value, Given given, const char* help) {
+  Require(command_.add_option(name, value, help), given);
   return *this;
 }
 

@@ -20,6 +20,8 @@ enum ExitCode : int { kOk = 0, kFailed = 1, kWrongUsage = 2 };
 
 /// Writes "tavrilon: PROBLEM" as one line to the error output and returns kFailed.
 int Fail(std::string_view problem);
+/// The same for arguments that cannot be meant; returns kWrongUsage.
+int WrongUsage(std::string_view problem);
 
 /// Whether the command line must give an argument. An optional one keeps the value that its variable has.
 enum class Given { Required, Optional };
@@ -31,8 +33,6 @@ class Subcommand {
   explicit Subcommand(CLI::App& command) : command_(command) {}
 
   Subcommand& Text(const char* name, std::string& value, Given given, const char* help);
-  /// A file that must be there.
-  Subcommand& InputFile(const char* name, std::string& value, Given given, const char* help);
   Subcommand& Choice(const char* name, std::string& value, const std::vector<std::string>& choices, const char* help);
   Subcommand& Number(const char* name, int& value, int least, int most, const char* help);
   Subcommand& Number(const char* name, double& value, double least, double most, const char* help);

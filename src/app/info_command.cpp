@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// tavrilon info: tells what this installation holds, and which of its classes can be made.
+// tavrilon info [SCENE]: tells what a scene holds; without one, what this installation holds and which of its classes
+// can be made.
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -12,12 +13,15 @@
 #include "app/host_session.h"
 #include "host/core/class_desc.h"
 #include "host/core/wstr.h"
+#include "host/io/scene_file.h"
+#include "host/io/scene_info.h"
 
 namespace app {
 
 namespace {
 
 struct InfoOptions {
+  std::string scene;
   bool classes = false;
   bool json = false;
 };
@@ -47,9 +51,18 @@ void Print(const PluginLibrary& plugin, bool withClasses) {
   }
 }
 
+int DescribeScene(const InfoOptions& options) {
+  const std::string problem = corvanta::ToUtf8(corvanta::LoadScene(corvanta::FromUtf8(options.scene)));
+  if (!problem.empty()) return Fail(problem);
+  const corvanta::SceneInfo info = corvanta::CollectSceneInfo(corvanta::GetScene());
+  std::fputs((options.json ? corvanta::SceneInfoJson(info) : corvanta::SceneInfoText(info)).c_str(), stdout);
+  return kOk;
+}
+
 int Info(const InfoOptions& options) {
   const HostSession session;
   if (!session.IsStarted()) return Fail(session.Problem());
+  if (!options.scene.empty()) return DescribeScene(options);
   if (options.json) {
     std::fputs(QJsonDocument(ToJson(session.Plugin())).toJson().constData(), stdout);
   } else {
@@ -62,7 +75,8 @@ int Info(const InfoOptions& options) {
 
 void AddInfoCommand(CommandLine& line) {
   auto options = std::make_shared<InfoOptions>();
-  line.Add("info", "Tell what this installation holds", [options] { return Info(*options); })
+  line.Add("info", "Tell what a scene or this installation holds", [options] { return Info(*options); })
+      .Text("scene", options->scene, Given::Optional, "The scene (.tvs); without one the installation is described")
       .Flag("--classes", options->classes, "Name every class of the plug-in")
       .Flag("--json", options->json, "Print it all as JSON");
 }

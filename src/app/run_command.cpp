@@ -28,7 +28,7 @@ int Run(const RunOptions& options) {
 void AddRunCommand(CommandLine& line) {
   auto options = std::make_shared<RunOptions>();
   line.Add("run", "Run a CorvantaScript file without a window", [options] { return Run(*options); })
-      .InputFile("file", options->file, Given::Required, "The script (.cvs)")
+      .Text("file", options->file, Given::Required, "The script (.cvs)")
       .Rest("Arguments after the file", options->arguments, "handed to the script as the array `scriptArgs`");
 }
 

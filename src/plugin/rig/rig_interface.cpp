@@ -74,7 +74,9 @@ FPInterfaceDesc MakeDesc() {
       {{F::kGetType, F::kSetType, L"type", FPType::Enum, kTypes},
        {F::kGetBuildNotes, -1, L"build_notes", FPType::StringTab},
        {F::kGetBuildError, -1, L"build_error", FPType::String},
-       {F::kGetUnknownPoints, -1, L"unknown_points", FPType::StringTab}},
+       {F::kGetUnknownPoints, -1, L"unknown_points", FPType::StringTab},
+       {F::kGetPointNames, -1, L"point_names", FPType::StringTab},
+       {F::kGetFileError, -1, L"file_error", FPType::String}},
       {TypeEnumeration(), kSideEnumeration}};
 }
 
@@ -111,6 +113,12 @@ FPStatus IRigSystem::Invoke(int id, TimeValue, FPValue& result, std::span<const 
       break;
     case kGetUnknownPoints:
       result = TextTab(UnknownPoints());
+      break;
+    case kGetPointNames:
+      result = TextTab(PointNames());
+      break;
+    case kGetFileError:
+      result = FileError();
       break;
     case kSetType:
       SetType(number(0));

@@ -40,6 +40,8 @@ class IRigSystem : public corvanta::FPMixinInterface {
     kGetBuildNotes,
     kGetBuildError,
     kGetUnknownPoints,
+    kGetPointNames,
+    kGetFileError,
   };
 
   /// Builds the nodes of the template. Nothing on a built rig. One undo step, "Create Rig".
@@ -65,12 +67,17 @@ class IRigSystem : public corvanta::FPMixinInterface {
   /// The name of the point's parent; empty without one.
   virtual WStr GetPointParent(const WStr& name, int side = -1, int index = -1, int sub_index = -1) const = 0;
 
+  /// All points, parents before their children, with side prefix and indices.
+  virtual std::vector<WStr> PointNames() const = 0;
+
   /// False, and nothing is changed, when the file cannot be read. One undo step, "Load Rig Template".
   virtual bool Load(const WStr& fileName) = 0;
   /// False also when the user cancels.
   virtual bool LoadDlg() = 0;
   virtual bool Save(const WStr& fileName) = 0;
   virtual bool SaveDlg() = 0;
+  /// What was wrong with the file loaded or saved last, with its name; empty when it went well.
+  virtual const WStr& FileError() const = 0;
 
   // Extras, counted from 0. An index beyond the end gives an empty text, 0 or false, and changes nothing.
   virtual int GetNumExtras() const = 0;

@@ -133,6 +133,12 @@ int RigSystem::FindPoint(const WStr& name, int side, int index, int sub_index) c
   return tavrilon::FindPoint(Points(), PointName(name, side, index, sub_index));
 }
 
+std::vector<WStr> RigSystem::PointNames() const {
+  std::vector<WStr> names;
+  for (const RigPoint& point : Points()) names.push_back(point.name);
+  return names;
+}
+
 Point3 RigSystem::GetPointPos(const WStr& name, int side, int index, int sub_index) const {
   return Places().At(FindPoint(name, side, index, sub_index));
 }

@@ -100,6 +100,8 @@ class RigSystem final : public corvanta::HelperObject, public IRigSystem, public
   bool LoadDlg() override;
   bool Save(const WStr& fileName) override;
   bool SaveDlg() override;
+  std::vector<WStr> PointNames() const override;
+  const WStr& FileError() const override { return fileError_; }
   int GetNumExtras() const override { return static_cast<int>(state_.extras.size()); }
   bool AddExtra(const WStr& name = {}, const WStr& parent = {}, int side = kSideNone, int num_controls = 1,
                 int num_bones = 2, bool use_bones = false) override;
@@ -197,6 +199,7 @@ class RigSystem final : public corvanta::HelperObject, public IRigSystem, public
   WStr buildError_;
   std::vector<WStr> buildNotes_;
   RigLoadReport lastLoad_;
+  WStr fileError_;
 };
 
 }  // namespace tavrilon

@@ -118,8 +118,15 @@ void RigSystem::ApplyPoints(const RigFile& file, RigLoadReport& report) {
   }
 }
 
-bool RigSystem::Load(const WStr& fileName) { return LoadTemplate(fileName).error.empty() && block_; }
-bool RigSystem::Save(const WStr& fileName) { return SaveTemplate(fileName).empty(); }
+bool RigSystem::Load(const WStr& fileName) {
+  fileError_ = LoadTemplate(fileName).error;
+  return fileError_.empty() && block_;
+}
+
+bool RigSystem::Save(const WStr& fileName) {
+  fileError_ = SaveTemplate(fileName);
+  return fileError_.empty();
+}
 
 bool RigSystem::LoadDlg() {
   const WStr path = AskForFile(kLoadRequest);

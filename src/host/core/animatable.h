@@ -28,6 +28,8 @@ enum : uint32_t {
   A_WORK2 = 0x4000,
   /// The object lives only in undo records: it does not resolve by handle and sends nothing.
   A_DORMANT = 0x8000,
+  /// A placeholder for an object of an unknown class.
+  A_PLACEHOLDER = 0x20000,
   /// Curve colours of a track: X, Y, Z and general.
   A_AXIS_X = 1u << 5,
   A_AXIS_Y = 1u << 6,

@@ -11,6 +11,7 @@
 #include "host/core/param_block.h"
 #include "host/io/detail/object_index.h"
 #include "host/io/detail/opaque.h"
+#include "host/io/detail/param_io.h"
 
 namespace corvanta {
 namespace {
@@ -64,8 +65,8 @@ void CountKeys(const Control& control, SceneInfo* info) {
 }
 
 void CountObject(ReferenceTarget& object, SceneInfo* info) {
-  if (dynamic_cast<const ParamBlock2*>(&object) || dynamic_cast<const CustAttribContainer*>(&object)) return;
-  const auto* opaque = dynamic_cast<const OpaqueObject*>(&object);
+  if (AsBlock(object) || dynamic_cast<const CustAttribContainer*>(&object)) return;
+  const OpaqueObject* opaque = AsOpaque(object);
   if (opaque && opaque->state.isBlock) return;
   ++info->classes[object.GetClassName()];
   if (opaque) ++info->unknownClasses[object.GetClassName()];

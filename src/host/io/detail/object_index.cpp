@@ -6,10 +6,17 @@
 
 namespace corvanta {
 
+namespace {
+bool IsLayer(const ReferenceTarget& target) {
+  return target.SuperClassID() == kReferenceTargetSuper && target.ClassID() == SceneLayer::kClassId &&
+         dynamic_cast<const SceneLayer*>(&target);
+}
+}  // namespace
+
 void CollectTargets(ReferenceTarget& maker, Targets* out) {
   out->strong.clear();
   out->weak.clear();
-  if (const auto* block = dynamic_cast<const ParamBlock2*>(&maker)) {
+  if (const ParamBlock2* block = AsBlock(maker)) {
     CollectBlockTargets(*block, &out->strong, &out->weak);
     return;
   }
@@ -49,7 +56,7 @@ void ObjectIndex::Walk(ReferenceTarget* from) {
     ReferenceTarget* target = open_.back();
     open_.pop_back();
     // Nodes and layers of the scene are numbered already; others belong to another scene or to undo.
-    if (target->AsNode() || dynamic_cast<SceneLayer*>(target) || numbers_.contains(target)) continue;
+    if (target->AsNode() || IsLayer(*target) || numbers_.contains(target)) continue;
     Add(target);
     objects_.push_back(target);
     Push(target);

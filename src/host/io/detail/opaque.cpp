@@ -9,7 +9,10 @@ namespace {
 template <class Base>
 class Opaque : public Base, public OpaqueObject {
  public:
-  explicit Opaque(OpaqueState kept) { state = std::move(kept); }
+  explicit Opaque(OpaqueState kept) {
+    state = std::move(kept);
+    this->SetFlag(A_PLACEHOLDER);
+  }
 
   SClass_ID SuperClassID() const override { return state.superClass; }
   Class_ID ClassID() const override { return state.classId; }

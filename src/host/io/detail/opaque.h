@@ -25,7 +25,7 @@ struct OpaqueState {
   std::vector<ReferenceTarget*> refs;  // slots stay when their target goes
 };
 
-/// The part of every placeholder that is the same. Found by dynamic_cast.
+/// The part of every placeholder that is the same.
 class OpaqueObject {
  public:
   virtual ~OpaqueObject() = default;
@@ -36,6 +36,11 @@ class OpaqueObject {
   /// Copies state and weak links; weak links follow the clones when all is cloned.
   void CopyTo(OpaqueObject& clone, RemapDir& remap) const;
 };
+
+/// The placeholder that an object is; null for all others.
+inline const OpaqueObject* AsOpaque(const ReferenceTarget& object) {
+  return object.TestFlag(A_PLACEHOLDER) ? dynamic_cast<const OpaqueObject*>(&object) : nullptr;
+}
 
 /// A placeholder that can stand where an object of this super class is wanted.
 ReferenceTarget* NewOpaque(OpaqueState state);

@@ -12,6 +12,11 @@
 
 namespace corvanta {
 
+/// The block that an object is; null for all others, and for placeholders of blocks.
+inline ParamBlock2* AsBlock(ReferenceTarget& object) {
+  return object.SuperClassID() == kParamBlockSuper ? dynamic_cast<ParamBlock2*>(&object) : nullptr;
+}
+
 /// Calls `visit(row, tab)` for every entry that files keep.
 template <class Visit>
 void ForEachStoredEntry(const ParamBlock2& block, Visit&& visit) {

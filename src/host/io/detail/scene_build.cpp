@@ -82,7 +82,7 @@ class SceneBuilder {
   ReferenceTarget* NewBlock(uint32_t number) {
     const ObjectEntry& entry = ObjectAt(number);
     const ReferenceTarget* owner = At(entry.owner);
-    if (!owner || dynamic_cast<const OpaqueObject*>(owner)) return NewPlaceholder(number);
+    if (!owner || AsOpaque(*owner)) return NewPlaceholder(number);
     const ParamBlockDesc2* desc = FindBlockDesc(*owner, entry.blockId);
     if (desc) return new ParamBlock2(*desc);
     Fail(entry.owner, Format(L"it has no parameter block %d in this version", entry.blockId));
@@ -112,7 +112,7 @@ class SceneBuilder {
       ReferenceTarget* thing = At(n);
       if (parsed_.IsObject(n) && (ObjectAt(n).flags & kLocked))
         if (ILockedTrack* lock = GetLockedTrack(thing)) lock->SetLocked(true);
-      if (dynamic_cast<const OpaqueObject*>(thing)) continue;
+      if (AsOpaque(*thing)) continue;
       const Links& links = parsed_.LinksOf(n);
       ILoad load(links.data, links.dataOffset);
       const IOResult result = thing->Load(load);
@@ -135,7 +135,7 @@ class SceneBuilder {
   void BindBlocksToOwners() {
     for (uint32_t n = parsed_.FirstObject(); n < parsed_.EndNumber(); ++n) {
       const NumberList& refs = parsed_.LinksOf(n).refs;
-      if (dynamic_cast<const ParamBlock2*>(At(n))) continue;  // its list has no indices
+      if (AsBlock(*At(n))) continue;  // its list has no indices
       for (size_t i = 0; i < refs.Count(); ++i)
         if (IsBlockOf(refs[i], n)) Bind(n, static_cast<int>(i), refs[i]);
     }
@@ -154,7 +154,7 @@ class SceneBuilder {
   void BindReferences(uint32_t number) {
     const Links& links = parsed_.LinksOf(number);
     Bind(number, ReferenceMaker::kCustAttribRef, links.attribs);
-    if (auto* block = dynamic_cast<ParamBlock2*>(At(number))) {
+    if (ParamBlock2* block = AsBlock(*At(number))) {
       const ObjectEntry& entry = ObjectAt(number);
       ILoad load(entry.params, entry.paramsOffset);
       ReadParams(*block, load, {Resolve(links.refs), Resolve(links.weak)});
@@ -178,7 +178,7 @@ class SceneBuilder {
 
   void BindWeakLinks(uint32_t number) {
     const NumberList& weak = parsed_.LinksOf(number).weak;
-    if (dynamic_cast<const ParamBlock2*>(At(number))) return;  // bound with its values
+    if (AsBlock(*At(number))) return;  // bound with its values
     for (size_t i = 0; i < weak.Count(); ++i) At(number)->SetIndirectRef(static_cast<int>(i), At(weak[i]));
   }
 

@@ -77,7 +77,7 @@ class SceneWriter {
     WriteNumbers(targets_.strong, save);
     WriteNumbers(targets_.weak, save);
     save.BeginChunk(kDataChunk);
-    if (const auto* opaque = dynamic_cast<const OpaqueObject*>(&maker)) {
+    if (const OpaqueObject* opaque = AsOpaque(maker)) {
       save.Write(opaque->state.data.data(), opaque->state.data.size());
     } else {
       const size_t depth = save.Depth();
@@ -134,7 +134,7 @@ class SceneWriter {
     for (ReferenceTarget* object : index_.Objects()) {
       save.BeginChunk(kRecordChunk);
       save.Write(ClassIndex(*object));
-      if (const auto* opaque = dynamic_cast<const OpaqueObject*>(object))
+      if (const OpaqueObject* opaque = AsOpaque(*object))
         WriteOpaqueHead(*object, *opaque, save);
       else
         WriteKnownHead(*object, save);
@@ -156,7 +156,7 @@ class SceneWriter {
 
   void WriteKnownHead(ReferenceTarget& object, ISave& save) {
     const ILockedTrack* lock = GetLockedTrack(&object);
-    const auto* block = dynamic_cast<const ParamBlock2*>(&object);
+    const ParamBlock2* block = AsBlock(object);
     save.Write(static_cast<uint8_t>((lock && lock->GetLocked() ? kLocked : 0) | (block ? kIsBlock : 0)));
     if (!block) return;
     const ParamBlockDesc2& desc = block->GetDesc();

@@ -17,13 +17,25 @@ uint32_t Shade(uint32_t rgb, float shade) {
 
 // The first sample whose middle is at or after `edge`: with it as both start and end of spans no sample is lost or
 // filled twice along a shared edge.
-int FirstSample(float edge, int limit) { return std::clamp(static_cast<int>(std::ceil(edge - 0.5f)), 0, limit); }
-
-// x of an edge at a row. The end points are always taken in the order of their height, so that both triangles of a
-// shared edge find the same bits.
-float EdgeX(const RasterVertex& top, const RasterVertex& bottom, float y) {
-  return top.x + (bottom.x - top.x) * ((y - top.y) / (bottom.y - top.y));
+// Truncation and one comparison: rounding up by the library costs more than all the rest of a short span.
+int FirstSample(float edge, int limit) {
+  const float middle = edge - 0.5f;
+  const int below = static_cast<int>(middle);
+  return std::clamp(below + (middle > static_cast<float>(below)), 0, limit);
 }
+
+// An edge walked by rows. The end points are always taken in the order of their height, so that both triangles of a
+// shared edge find the same bits.
+struct Edge {
+  float x, y, slope;
+  Edge(const RasterVertex& top, const RasterVertex& bottom) : x(top.x), y(top.y) {
+    // An edge between two rows' middles is never asked; its slope only must not be infinite.
+    slope = (bottom.x - top.x) / std::max(bottom.y - top.y, 1e-6f);
+    low = std::min(top.x, bottom.x), high = std::max(top.x, bottom.x);
+  }
+  float At(float row) const { return std::clamp(x + slope * (row - y), low, high); }
+  float low, high;
+};
 
 // A value that is linear over the screen. In a sliver the slopes mean little, so it is kept within its corners.
 struct Plane {
@@ -37,6 +49,36 @@ struct Plane {
   }
   float At(double x, double y) const { return static_cast<float>(std::clamp(origin + dx * x + dy * y, low, high)); }
 };
+
+// Samples of one row, and what changes along it.
+struct Span {
+  uint32_t* rgb;
+  float* key;
+  int count;
+  float firstKey, keyStep, firstShade, shadeStep;
+};
+
+// The usual case. Without branches, since which samples pass the depth test cannot be foreseen.
+void FillSolid(const Span& span, uint32_t rgb) {
+  for (int i = 0; i < span.count; ++i) {
+    const float key = span.firstKey + span.keyStep * static_cast<float>(i);
+    const bool nearer = key >= span.key[i];
+    span.key[i] = nearer ? key : span.key[i];
+    span.rgb[i] = nearer ? rgb : span.rgb[i];
+  }
+}
+
+void FillAny(const Span& span, const RasterInk& ink, bool flat, uint32_t flatRgb) {
+  const bool opaque = ink.alpha >= 256;
+  for (int i = 0; i < span.count; ++i) {
+    const float key = span.firstKey + span.keyStep * static_cast<float>(i);
+    if (ink.depthTest && key < span.key[i]) continue;
+    const float shade = span.firstShade + span.shadeStep * static_cast<float>(i);
+    const uint32_t rgb = flat ? flatRgb : Shade(ink.rgb, shade);
+    span.rgb[i] = opaque ? rgb : BlendRgb(span.rgb[i], rgb, ink.alpha);
+    if (opaque && ink.depthTest) span.key[i] = key;
+  }
+}
 
 }  // namespace
 
@@ -65,25 +107,21 @@ void FrameBuffer::FillTriangle(const RasterVertex& va, const RasterVertex& vb, c
   const Plane keys(*a, *b, *c, &RasterVertex::key, area), shades(*a, *b, *c, &RasterVertex::shade, area);
   const bool flat = a->shade == b->shade && a->shade == c->shade, opaque = ink.alpha >= 256;
   const uint32_t flatRgb = Shade(ink.rgb, a->shade);
+  const Edge whole(*a, *c), upper(*a, *b), lower(*b, *c);
   const int lastRow = FirstSample(c->y, height_);
   for (int row = FirstSample(a->y, height_); row < lastRow; ++row) {
     const float y = static_cast<float>(row) + 0.5f;
-    float left = EdgeX(*a, *c, y), right = y < b->y ? EdgeX(*a, *b, y) : EdgeX(*b, *c, y);
+    float left = whole.At(y), right = (y < b->y ? upper : lower).At(y);
     if (left > right) std::swap(left, right);
     const int x0 = FirstSample(left, width_), x1 = FirstSample(right, width_);
     if (x0 >= x1) continue;
     const float steps = static_cast<float>(std::max(x1 - x0 - 1, 1));
     const float key = keys.At(x0 + 0.5, y), step = (keys.At(x1 - 0.5, y) - key) / steps;
-    const float shade = shades.At(x0 + 0.5, y), shadeStep = (shades.At(x1 - 0.5, y) - shade) / steps;
-    uint32_t* colours = colour_.data() + static_cast<size_t>(row) * width_ + x0;
-    float* depths = key_.data() + static_cast<size_t>(row) * width_ + x0;
-    for (int i = 0; i < x1 - x0; ++i) {
-      const float k = key + step * static_cast<float>(i);
-      if (ink.depthTest && k < depths[i]) continue;
-      const uint32_t rgb = flat ? flatRgb : Shade(ink.rgb, shade + shadeStep * static_cast<float>(i));
-      colours[i] = opaque ? rgb : BlendRgb(colours[i], rgb, ink.alpha);
-      if (opaque && ink.depthTest) depths[i] = k;
-    }
+    const float shade = flat ? 0 : shades.At(x0 + 0.5, y);
+    const float shadeStep = flat ? 0 : (shades.At(x1 - 0.5, y) - shade) / steps;
+    const size_t at = static_cast<size_t>(row) * width_ + static_cast<size_t>(x0);
+    const Span span{&colour_[at], &key_[at], x1 - x0, key, step, shade, shadeStep};
+    flat&& opaque&& ink.depthTest ? FillSolid(span, flatRgb) : FillAny(span, ink, flat, flatRgb);
   }
 }
 
@@ -96,31 +134,38 @@ struct FrameBuffer::LineSetup {
   float du, dv, slope, keyStep;  // unit direction, dv / du, change of the key by u
   float reach;                   // of the line from its middle, measured along v
   int limit;                     // samples along v
+  int keyAlpha;                  // the depth is filled from this cover on
 };
+
+void FrameBuffer::Cover(const LineSetup& line, size_t at, float key, float cover) {
+  // A hidden sample is blended with nothing: no branch that cannot be foreseen.
+  const bool seen = !line.ink.depthTest || key >= key_[at];
+  const int alpha = seen ? static_cast<int>(cover * static_cast<float>(line.ink.alpha) + 0.5f) : 0;
+  colour_[at] = BlendRgb(colour_[at], line.ink.rgb, alpha);
+  key_[at] = alpha >= line.keyAlpha ? key : key_[at];
+}
 
 void FrameBuffer::LineColumn(const LineSetup& line, int column) {
   const float alongU = static_cast<float>(column) + 0.5f - line.u;
   const float middle = line.v + line.slope * alongU;
   const float key = line.key + line.keyStep * std::clamp(alongU, 0.0f, line.length * line.du);
-  const int last = FirstSample(middle + line.reach, line.limit);
-  for (int row = FirstSample(middle - line.reach, line.limit); row < last; ++row) {
-    const float alongV = static_cast<float>(row) + 0.5f - line.v;
-    const float along = alongU * line.du + alongV * line.dv;
-    float across = std::fabs(alongV * line.du - alongU * line.dv);
-    float ends = 1;
-    const float beyond = along < 0 ? -along : along - line.length;
-    if (line.butt)
-      ends = std::clamp(0.5f - beyond, 0.0f, 1.0f);
-    else if (beyond > 0)
-      across = std::sqrt(across * across + beyond * beyond);
-    const float cover = std::min(line.half + 0.5f - across, 1.0f) * ends;
-    if (cover <= 0) continue;
-    const size_t x = static_cast<size_t>(line.steep ? row : column), y = static_cast<size_t>(line.steep ? column : row);
-    const size_t index = y * static_cast<size_t>(width_) + x;
-    if (line.ink.depthTest && key < key_[index]) continue;
-    const int alpha = static_cast<int>(cover * static_cast<float>(line.ink.alpha) + 0.5f);
-    colour_[index] = BlendRgb(colour_[index], line.ink.rgb, alpha);
-    if (line.ink.depthTest && line.ink.alpha >= 256 && alpha >= 128) key_[index] = key;
+  const int first = FirstSample(middle - line.reach, line.limit), last = FirstSample(middle + line.reach, line.limit);
+  const size_t width = static_cast<size_t>(width_), u = static_cast<size_t>(column), v = static_cast<size_t>(first);
+  const size_t step = line.steep ? 1 : width;
+  size_t at = line.steep ? u * width + v : v * width + u;
+  const float alongV = static_cast<float>(first) + 0.5f - line.v;
+  float along = alongU * line.du + alongV * line.dv, across = alongV * line.du - alongU * line.dv;
+  const float middleAlong = alongU / line.du, slack = line.reach * std::fabs(line.dv);
+  if (middleAlong >= slack && middleAlong + slack <= line.length) {  // away from the ends
+    for (int row = first; row < last; ++row, at += step, across += line.du)
+      Cover(line, at, key, std::clamp(line.half + 0.5f - std::fabs(across), 0.0f, 1.0f));
+    return;
+  }
+  for (int row = first; row < last; ++row, at += step, along += line.dv, across += line.du) {
+    const float beyond = along < 0 ? -along : std::max(along - line.length, line.butt ? -1.0f : 0.0f);
+    const float distance = line.butt ? std::fabs(across) : std::sqrt(across * across + beyond * beyond);
+    const float ends = line.butt ? std::clamp(0.5f - beyond, 0.0f, 1.0f) : 1;
+    Cover(line, at, key, std::clamp(line.half + 0.5f - distance, 0.0f, 1.0f) * ends);
   }
 }
 
@@ -146,7 +191,8 @@ void FrameBuffer::DrawLine(const RasterVertex& a, const RasterVertex& b, float w
                        dv / du,
                        lengthU > 0 ? (to.key - from.key) / lengthU : 0,
                        (half + 0.5f) / du,
-                       steep ? width_ : height_};
+                       steep ? width_ : height_,
+                       ink.depthTest && ink.alpha >= 256 ? 128 : 257};
   const int columns = steep ? height_ : width_, last = FirstSample(u + lengthU + half + 0.5f, columns);
   for (int column = FirstSample(u - half - 0.5f, columns); column < last; ++column) LineColumn(line, column);
 }

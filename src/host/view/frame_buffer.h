@@ -3,6 +3,7 @@
 // a thick line. Positions are samples; vertices come clipped from a Projector. Pixels depend on nothing but the calls.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -45,6 +46,7 @@ class FrameBuffer {
  private:
   struct LineSetup;
   void LineColumn(const LineSetup& line, int column);
+  void Cover(const LineSetup& line, size_t at, float key, float cover);
 
   int width_ = 0, height_ = 0;    // samples
   std::vector<uint32_t> colour_;  // 0x00RRGGBB

@@ -2,6 +2,7 @@
 #include "app/headless.h"
 
 #include <QGuiApplication>
+#include <cstdio>
 #include <cstdlib>
 
 namespace app {
@@ -11,6 +12,11 @@ namespace {
 bool IsGiven(const char* variable) {
   const char* value = std::getenv(variable);
   return value != nullptr && *value != '\0';
+}
+
+// The run-time folder of a session is missing in containers and batch jobs; drawing does not need it.
+void PassOtherMessages(QtMsgType, const QMessageLogContext&, const QString& text) {
+  if (!text.startsWith("QStandardPaths: XDG_RUNTIME_DIR")) std::fprintf(stderr, "%s\n", qPrintable(text));
 }
 
 }  // namespace
@@ -25,7 +31,10 @@ std::unique_ptr<QGuiApplication> MakeDrawingApplication() {
   static int count = 1;
   static char name[] = "tavrilon";
   static char* arguments[] = {name, nullptr};
-  return std::make_unique<QGuiApplication>(count, arguments);
+  const QtMessageHandler before = qInstallMessageHandler(PassOtherMessages);
+  auto application = std::make_unique<QGuiApplication>(count, arguments);
+  qInstallMessageHandler(before);
+  return application;
 }
 
 }  // namespace app

@@ -51,7 +51,7 @@ std::string FaultOf(Control& control) {
 
 RestPose CheckRestPose(Scene& scene) {
   RestPose pose;
-  const ClassDesc* desc = ClassDirectory::Get().FindByName(L"RigControl");
+  const ClassDesc* desc = ClassDirectory::Get().FindByName(L"RigTransform");
   if (desc == nullptr) return {0, "this build has no rig controls"};
   const int reentriesBefore = INode::ReentryCount();
   for (const Ref<INode>& node : scene.Nodes()) {

@@ -16,6 +16,9 @@ namespace {
 
 constexpr int kMaxPixels = 16384;  // on a side: a gigabyte of samples
 
+// Of the picture's shorter side: two pixels in one of 960. A control must catch the eye before the bones behind it.
+constexpr float kLineShare = 2.0f / 960;
+
 struct ViewRow {
   const char* name;
   ViewKind kind;
@@ -61,6 +64,7 @@ std::string WritePicture(const std::string& path, const PictureOptions& options)
   const auto application = MakeDrawingApplication();
   SceneViewOptions view;
   view.time = options.time;
+  view.lineWidth = std::max(1.0f, static_cast<float>(std::min(options.width, options.height)) * kLineShare);
   view.filter = [&options](INode& node) {
     return std::find(options.show.begin(), options.show.end(), KindOf(node)) != options.show.end();
   };

@@ -76,11 +76,12 @@ bool IsNodeSeen(INode& node, const SceneViewOptions& options) {
   return !node.IsHidden() && IsVisibleAt(node, options.time) && (!options.filter || options.filter(node));
 }
 
-void DisplayNode(GraphicsWindow& window, INode& node, TimeValue t) {
+void DisplayNode(GraphicsWindow& window, INode& node, TimeValue t, float lineWidth) {
   Object* object = node.GetObjectRef();
   if (!object) return;
   const DrawScope scope(window);
   window.SetState({});
+  window.SetLineWidth(lineWidth);
   window.SetTransform(node.GetObjectTM(t));
   window.SetColour(node.Selected() ? kSelectedColour : node.IsFrozen() ? kFrozenColour : node.GetWireColor());
   window.SetHitTag(&node);
@@ -92,7 +93,7 @@ void DisplayScene(GraphicsWindow& window, Scene& scene, const SceneViewOptions& 
   for (bool selected : {false, true})
     for (const Ref<INode>& node : scene.Nodes()) {
       if (node->Selected() != selected || !IsNodeSeen(*node, options)) continue;
-      DisplayNode(window, *node, options.time);
+      DisplayNode(window, *node, options.time, options.lineWidth);
       if (selected && options.brackets) DisplaySelectionMark(window, *node, options.time);
       DisplayController(window, *node, options.time);
     }

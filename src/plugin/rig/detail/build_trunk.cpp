@@ -51,6 +51,7 @@ void BuildSpine(Parts& parts) {
   state.torso = parts.make.MakeControl(torso);
 
   ControlSpec pelvis = TrunkControl(parts, L"pelvis", pelvisTM, state.torso, ShapeType::Peanut, 0.75f * length);
+  pelvis.shapeOffset = {-0.15f * length, 0, 0};
   Anchor hips{parts.make.MakeControl(pelvis), nullptr};
   parts.make.BindParent(hips.control, state.torso);
   hips.bone = parts.make.MakeBone({pelvis.name, pelvisTM, state.root, 0.3f * length, true, false, hips.control});
@@ -60,8 +61,10 @@ void BuildSpine(Parts& parts) {
   for (int i = 0; i + 1 < n; ++i) {
     const PartName point{L"spine", kSideCenter, i};
     ControlSpec fk = TrunkControl(parts, L"fk_spine", parts.TM(point), last.control, ShapeType::Circle, 0.8f * length);
+    const float segment = parts.SegmentLength(parts.Point(point));
     fk.name.index = i;
-    last = parts.MakePart(fk, last.bone, parts.SegmentLength(parts.Point(point)));
+    fk.shapeOffset = {0.5f * segment, 0, 0};  // clear of torso and pelvis
+    last = parts.MakePart(fk, last.bone, segment);
     parts.Leave(parts.Point(point), last);
   }
   state.chest = last.control;

@@ -27,10 +27,11 @@ ControlSpec TrunkControl(const Parts& parts, const wchar_t* word, const Matrix3&
 
 int Count(const Parts& parts, ID id) { return std::clamp(parts.rig.Block().GetInt(id), 0, 99); }
 
-/// The spine's length, or for a single control its distance from the pelvis.
-float SpineLength(const Parts& parts, int n) {
+/// What outlines of the trunk are measured by: the spine's length from the pelvis, but no more than an upright
+/// figure's, or the outlines of a four-legged body would hide it.
+float TrunkSize(const Parts& parts, int n) {
   const float length = parts.Distance(parts.Point({L"pelvis"}), parts.Point({L"spine", kSideCenter, n - 1}));
-  return length > 0 ? length : parts.height * 0.2f;
+  return length > 0 ? std::min(length, 0.32f * parts.height) : 0.2f * parts.height;
 }
 
 }  // namespace
@@ -43,7 +44,7 @@ void BuildSpine(Parts& parts) {
   const int pelvisPoint = parts.Point({L"pelvis"});
   if (pelvisPoint < 0 || n < 1) return;
   BuildState& state = parts.state;
-  const float length = SpineLength(parts, n);
+  const float length = TrunkSize(parts, n);
   const Matrix3 pelvisTM = parts.TM({L"pelvis"});
 
   ControlSpec torso = TrunkControl(parts, L"torso", pelvisTM, state.main, ShapeType::ArrowCross, 0.9f * length);
@@ -132,7 +133,7 @@ void BuildHead(Parts& parts) {
   if (headPoint < 0) return;
   BuildState& state = parts.state;
   const int necks = Count(parts, kNeckControls), spines = Count(parts, kSpineControls);
-  const float spine = SpineLength(parts, spines);
+  const float spine = TrunkSize(parts, spines);
   const int firstNeck = parts.Point({L"neck", kSideCenter, 0});
 
   // The neck follows the chest, not the shoulders: a shrug must not lift the head.

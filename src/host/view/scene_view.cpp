@@ -10,6 +10,8 @@
 namespace corvanta {
 namespace {
 
+constexpr float kLineWidth = 1.5f;  // dark colours of thinner lines are lost on the backdrop
+
 bool IsFinite(const Box3& box) {
   const Point3 d = box.max - box.min;
   return std::isfinite(d.x) && std::isfinite(d.y) && std::isfinite(d.z);
@@ -81,6 +83,7 @@ void DisplayNode(GraphicsWindow& window, INode& node, TimeValue t) {
   if (!object) return;
   const DrawScope scope(window);
   window.SetState({});
+  window.SetLineWidth(kLineWidth);
   window.SetTransform(node.GetObjectTM(t));
   window.SetColour(node.Selected() ? kSelectedColour : node.IsFrozen() ? kFrozenColour : node.GetWireColor());
   window.SetHitTag(&node);

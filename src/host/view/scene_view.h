@@ -20,15 +20,15 @@ struct SceneViewOptions {
   bool grid = true;
   bool axisMark = true;
   bool viewName = true;
-  bool brackets = true;  ///< corners about selected geometry
-  float lineWidth = 1;   ///< pixels, of objects that set no width of their own
+  bool brackets = true;    ///< corners about selected geometry
+  float lineWidth = 1.5f;  ///< pixels, of objects that set no width of their own
 };
 
 inline constexpr uint32_t kSelectedColour = 0xFFFFFF, kFrozenColour = 0x5C6266;
 
 bool IsNodeSeen(INode& node, const SceneViewOptions& options);
 /// The node's object with its offset and colour: white when selected, grey when frozen, else the wire colour.
-void DisplayNode(GraphicsWindow& window, INode& node, TimeValue t, float lineWidth = 1);
+void DisplayNode(GraphicsWindow& window, INode& node, TimeValue t, float lineWidth = 1.5f);
 /// Nodes in the order of creation, the selected ones after the others, each followed by its transform controller's
 /// Display. That is called with the identity as transform for every node seen: a controller that draws only for
 /// selected nodes asks the node. Grid and marks as told.

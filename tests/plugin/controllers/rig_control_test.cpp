@@ -119,6 +119,27 @@ TEST_F(RigControlTest, PacketsActInTheAxesGiven) {
     }
 }
 
+// The axis of a turn is a direction: a stretched parent does not bend it.
+TEST_F(RigControlTest, TurnUnderAStretchedParentKeepsItsAxis) {
+  const Made parent = AddControl(L"parent");
+  parent.Scale({3, 1, 1});
+  const Made made = AddControl(L"a", parent.node);
+  made.Send(SetXFormPacket::Rotate(AngAxis{{1, 1, 0}, 0.5f}, false, parent.node->GetNodeTM(0), Matrix3()));
+  const AngAxis turn = AngAxisFromQuat(Sub<Quat>(made.control->GetRotationController()));
+  EXPECT_TRUE(IsNear(turn.axis, Normalize(Point3{1, 1, 0}), 1e-5f));
+}
+
+// Straight controls stretch along their own axes only.
+TEST_F(RigControlTest, StraightSetHasNoStretchRotation) {
+  const Made made = AddControl(L"a");
+  const Matrix3 sheared = MakeMatrix(ScaleValue{{1, 2, 3}, EulerToQuat({0.3f, 0.4f, 0.5f})});
+  made.node->SetNodeTM(0, sheared);
+  EXPECT_FALSE(Sub<ScaleValue>(made.control->GetScaleController()).q == Quat());
+  made.Set(RigControl::kStraightScale, true);
+  made.node->SetNodeTM(0, sheared);
+  EXPECT_TRUE(Sub<ScaleValue>(made.control->GetScaleController()).q == Quat());
+}
+
 TEST_F(RigControlTest, StraightScaleKeepsChildrenSquare) {
   const Made parent = AddControl(L"parent");
   const Made child = AddControl(L"child", parent.node);

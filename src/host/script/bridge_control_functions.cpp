@@ -1,59 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Sub-animatables, keys, transform packets, locks and handles.
+#include "host/anim/key_control.h"
 #include "host/script/bridge_functions.h"
-#include "host/script/bridge_object.h"
+#include "host/script/bridge_keys.h"
 #include "host/script/text.h"
 
 namespace corvanta::script {
 
 namespace {
-
-/// One key of a controller. It goes by its index, so adding and deleting keys moves it.
-class KeyObject final : public HostObject {
- public:
-  KeyObject(Control* control, int index) : control_(control), index_(index) {}
-  WStr ClassName() const override { return L"Key"; }
-  WStr Text() const override { return L"<Key " + std::to_wstring(index_ + 1) + L" at " + TimeText(Time()) + L">"; }
-  void AppendJson(WStr& out) const override {
-    out +=
-        L"{\"time\":" + ToJson(Value::Time(Time())) + L",\"value\":" + ToJson(ControlValue(*control_, Time())) + L"}";
-  }
-  bool Get(const WStr& name, Value& out) override {
-    if (name == L"time") return out = Value::Time(Time()), true;
-    if (name == L"value") return out = ControlValue(*control_, Time()), true;
-    if (name == L"selected") return out = Value::Bool(control_->IsKeySelected(index_)), true;
-    return false;
-  }
-  bool Set(const WStr& name, const Value& value) override {
-    if (name == L"value") return SetValue(value), true;
-    if (name != L"selected") return false;
-    if (!value.Is(Kind::Bool)) WrongValue(L"true or false", value);
-    control_->SelectKeys(Interval::Instant(Time()), value.AsBool());
-    return true;
-  }
-  std::vector<WStr> PropertyNames() override { return {L"time", L"value", L"selected"}; }
-
- private:
-  TimeValue Time() const {
-    if (index_ >= control_->NumKeys()) Fail(L"key " + std::to_wstring(index_ + 1) + L" is gone");
-    return control_->GetKeyTime(index_);
-  }
-  // With animate on only this key changes.
-  void SetValue(const Value& value) {
-    const TimeValue t = Time();
-    const bool animating = Animating();
-    AnimateOn();
-    try {
-      SetControlValue(*control_, t, value);
-    } catch (...) {
-      if (!animating) AnimateOff();
-      throw;
-    }
-    if (!animating) AnimateOff();
-  }
-  Ref<Control> control_;
-  int index_;
-};
 
 int KeyArg(const CallArgs& args, Control& control) {
   const int64_t i = args.Int(1);
@@ -104,6 +58,20 @@ Value DeleteKeys(const CallArgs& args) {
     args.Wrong(1, L"#all, #selected or an interval");
   }
   return Value::Ok();
+}
+
+// Gives the number of keys that went.
+Value ReduceKeys(const CallArgs& args) {
+  Control* control = ControlArg(args, 0);
+  const double threshold = args.Number(1);
+  const TimeValue step = args.Time(2);
+  if (!(threshold >= 0)) args.Wrong(1, L"a threshold from 0");
+  if (step < 1) args.Wrong(2, L"a step of time such as 1f");
+  if (args.Count() > 3 && !args[3].Is(Kind::Interval)) args.Wrong(3, L"an interval");
+  const Interval range = args.Count() > 3 ? args[3].AsInterval() : control->GetKeyRange();
+  const int gone = corvanta::ReduceKeys(control, static_cast<float>(threshold), step, range);
+  if (gone < 0) args.Wrong(0, L"a controller with keys of its own");
+  return Value::Int(gone);
 }
 
 struct OrtRow {
@@ -254,6 +222,7 @@ const BuiltinRow kRows[] = {
     {L"addKey", AddKey, 2, 2},
     {L"deleteKey", DeleteKey, 2, 2},
     {L"deleteKeys", DeleteKeys, 1, 2},
+    {L"reduceKeys", ReduceKeys, 3, 4},
     {L"getORT", GetOrt, 2, 2},
     {L"setORT", SetOrt, 3, 3},
     {L"getSubAnim", GetSubAnim, 2, 2},

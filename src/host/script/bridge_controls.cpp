@@ -48,6 +48,17 @@ std::optional<ScaleValue> ToScale(const Value& value) {
   return p ? std::optional(ScaleValue{*p, {}}) : std::nullopt;
 }
 
+// The kind of controller that place `i` of `owner` takes, 0 where it cannot be told.
+SClass_ID ExpectedSuper(Animatable& owner, int i) {
+  if (auto* present = dynamic_cast<Control*>(owner.SubAnim(i))) return present->SuperClassID();
+  if (auto* block = dynamic_cast<ParamBlock2*>(&owner)) {
+    const ParamRow* row = block->GetParamDef(block->AnimNumToParam(i).first);
+    if (!row) return 0;
+    return row->type == ParamType::Point3 || row->type == ParamType::Colour ? kPoint3ControlSuper : kFloatControlSuper;
+  }
+  return 0;
+}
+
 template <Control* (Control::*Part)()>
 Value PartOf(Control& control) {
   return WrapTarget((control.*Part)());
@@ -57,11 +68,8 @@ Value PartOf(Control& control) {
 template <Control* (Control::*Part)()>
 void SetPart(Control& control, const Value& value) {
   Control* part = (control.*Part)();
-  ReferenceTarget* target = TargetOf(value);
-  Control* fresh = target ? target->AsControl() : nullptr;
-  if (!fresh) WrongValue(L"a controller", value);
   for (int i = 0; part && i < control.NumSubs(); ++i)
-    if (control.SubAnim(i) == part && AssignWithCopy(&control, i, fresh)) return;
+    if (control.SubAnim(i) == part) return AssignController(control, i, value);
   Fail(Describe(value) + L" cannot be put there");
 }
 
@@ -147,6 +155,17 @@ void SetControlValue(Control& control, TimeValue t, const Value& value) {
   }
 }
 
+void AssignController(Animatable& owner, int i, const Value& value) {
+  ReferenceTarget* target = TargetOf(value);
+  Control* fresh = target ? target->AsControl() : nullptr;
+  if (!fresh) WrongValue(L"a controller", value);
+  const SClass_ID super = ExpectedSuper(owner, i);
+  if (super && fresh->SuperClassID() != super)
+    Fail(Describe(value) + L" cannot stand for `" + owner.SubAnimName(i) +
+         L"`, which takes another kind of controller");
+  if (!AssignWithCopy(&owner, i, fresh)) Fail(Describe(value) + L" is refused for `" + owner.SubAnimName(i) + L"`");
+}
+
 // --- SubAnimObject ------------------------------------------------------------------------------------------
 
 ReferenceTarget* SubAnimObject::target() const {
@@ -203,10 +222,7 @@ bool SubAnimObject::Get(const WStr& name, Value& out) {
 bool SubAnimObject::Set(const WStr& name, const Value& value) {
   if (name == L"value") return SetValue(value), true;
   if (name == L"controller") {
-    ReferenceTarget* fresh = TargetOf(value);
-    if (!fresh || !fresh->AsControl()) WrongValue(L"a controller", value);
-    if (!AssignWithCopy(owner_.Get(), index_, fresh->AsControl()))
-      Fail(Describe(value) + L" cannot stand in " + Text());
+    AssignController(*owner_, index_, value);
     return true;
   }
   ReferenceTarget* sub = target();

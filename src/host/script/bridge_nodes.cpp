@@ -78,19 +78,14 @@ void SetScale(INode& node, const Value& value) {
   node.SetNodeTM(ScriptTime(), ComposeAffine(parts));
 }
 
-void SetController(INode& node, const Value& value) {
-  ReferenceTarget* target = TargetOf(value);
-  Control* control = target ? target->AsControl() : nullptr;
-  if (!control) WrongValue(L"a controller", value);
-  if (!AssignWithCopy(&node, 0, control))
-    Fail(Describe(value) + L" cannot be the transform controller of `" + node.GetName() + L"`");
-}
+void SetController(INode& node, const Value& value) { AssignController(node, 0, value); }
 
 Value Visibility(INode& node) { return WrapTarget(node.GetVisController()); }
 void SetVisibility(INode& node, const Value& value) {
   ReferenceTarget* target = TargetOf(value);
   Control* control = target ? target->AsControl() : nullptr;
-  if (!value.IsUndefined() && !control) WrongValue(L"a float controller or undefined", value);
+  if (!value.IsUndefined() && !(control && control->SuperClassID() == kFloatControlSuper))
+    WrongValue(L"a float controller or undefined", value);
   if (!node.SetVisController(control))
     Fail(Describe(value) + L" cannot be the visibility controller of `" + node.GetName() + L"`");
 }

@@ -38,16 +38,21 @@ bool GetParameter(ReferenceTarget& target, const WStr& name, Value& out) {
   });
 }
 
-// Writes one entry of a parameter.
-void WriteParameter(ParamBlock2& block, const ParamRow& row, const Value& value, int tab) {
+// The value for `row`, checked as far as it can be before anything is written.
+FPValue Accepted(ParamBlock2& block, const ParamRow& row, const Value& value) {
   if (row.Is(kReadOnly)) Fail(L"`" + WStr(row.name) + L"` is read-only");
   auto converted = ToFP(value, TypeOf(row));
   if (!converted) WrongValue(ExpectedText(TypeOf(row)) + L" for `" + row.name + L"`", value);
   ReferenceTarget* candidate = converted->ToTarget();
-  if (row.validator && candidate && !row.validator->Validate(block.GetOwner(), row.id, candidate))
+  if (candidate && row.validator && !row.validator->Validate(block.GetOwner(), row.id, candidate))
     Fail(Describe(value) + L" is not accepted for `" + row.name + L"`");
-  if (!block.SetFPValue(row.id, ScriptTime(), *converted, tab))
-    Fail(L"`" + WStr(row.name) + L"` refuses " + Describe(value) + (candidate ? L": it would depend on itself" : L""));
+  if (candidate && !row.Is(kWeak) && candidate->TestForLoop(&block))
+    Fail(L"`" + WStr(row.name) + L"` refuses " + Describe(value) + L": it would depend on itself");
+  return std::move(*converted);
+}
+
+void Write(ParamBlock2& block, const ParamRow& row, const FPValue& value, int tab) {
+  if (!block.SetFPValue(row.id, ScriptTime(), value, tab)) Fail(L"`" + WStr(row.name) + L"` does not take that value");
 }
 
 bool SetParameter(ReferenceTarget& target, const WStr& name, const Value& value) {
@@ -57,7 +62,7 @@ bool SetParameter(ReferenceTarget& target, const WStr& name, const Value& value)
     if (row->Is(kTab))
       TabObject(block, *row).Assign(value);
     else
-      WriteParameter(block, *row, value, 0);
+      Write(block, *row, Accepted(block, *row, value), 0);
     return true;
   });
 }
@@ -125,8 +130,8 @@ bool GetOwn(ReferenceTarget& target, const WStr& name, Value& out) {
       return true;
     }
   }
-  if (GetSubAnim(target, name, out)) return true;
-  return target.AsControl() && GetControlPart(*target.AsControl(), name, out);
+  if (target.AsControl() && GetControlPart(*target.AsControl(), name, out)) return true;
+  return GetSubAnim(target, name, out);
 }
 
 bool SetOwn(ReferenceTarget& target, const WStr& name, const Value& value) {
@@ -261,14 +266,14 @@ bool TabObject::SetAt(const Value& key, const Value& value) {
   const auto i = ToInt(key);
   if (!i || *i < 1 || *i > Count())
     Fail(L"index " + Describe(key) + L" is out of range 1 to " + std::to_wstring(Count()));
-  WriteParameter(*block_, row_, value, static_cast<int>(*i - 1));
+  Write(*block_, row_, Accepted(*block_, row_, value), static_cast<int>(*i - 1));
   return true;
 }
 bool TabObject::Append(const Value& value) {
   const auto count = static_cast<int>(Count());
-  if (!ToFP(value, TypeOf(row_))) WrongValue(ExpectedText(TypeOf(row_)) + L" for `" + row_.name + L"`", value);
+  const FPValue accepted = Accepted(*block_, row_, value);
   if (!block_->SetCount(row_.id, count + 1)) return false;
-  WriteParameter(*block_, row_, value, count);
+  Write(*block_, row_, accepted, count);
   return true;
 }
 bool TabObject::DeleteItem(int64_t i) { return block_->Delete(row_.id, static_cast<int>(i)); }
@@ -276,11 +281,10 @@ void TabObject::Assign(const Value& value) {
   const bool list = value.Is(Kind::Array) || (value.Is(Kind::Object) && value.AsObject().Count() >= 0);
   if (!list) WrongValue(L"an array for `" + WStr(row_.name) + L"`", value);
   const Value array = Convert(value, ConversionType::Array);
-  const auto& items = array.AsArray().items();
-  for (const Value& item : items)  // all or nothing
-    if (!ToFP(item, TypeOf(row_))) WrongValue(ExpectedText(TypeOf(row_)) + L" in `" + row_.name + L"`", item);
-  block_->SetCount(row_.id, static_cast<int>(items.size()));
-  for (size_t i = 0; i < items.size(); ++i) WriteParameter(*block_, row_, items[i], static_cast<int>(i));
+  std::vector<FPValue> accepted;  // all or nothing
+  for (const Value& item : array.AsArray().items()) accepted.push_back(Accepted(*block_, row_, item));
+  block_->SetCount(row_.id, static_cast<int>(accepted.size()));
+  for (size_t i = 0; i < accepted.size(); ++i) Write(*block_, row_, accepted[i], static_cast<int>(i));
 }
 
 // --- NamedList ----------------------------------------------------------------------------------------------

@@ -166,6 +166,8 @@ void SetControlValue(Control& control, TimeValue t, const Value& value);
 /// The parts of a controller that it has by role: position, rotation, scale, x, y, z.
 bool GetControlPart(Control& control, const WStr& name, Value& out);
 bool SetControlPart(Control& control, const WStr& name, const Value& value);
+/// Puts a controller into place `i` as a user does, with `Copy`. Throws when it does not fit. Undoable.
+void AssignController(Animatable& owner, int i, const Value& value);
 /// Throws "expected ..., got ...".
 [[noreturn]] void WrongValue(const WStr& expected, const Value& value);
 

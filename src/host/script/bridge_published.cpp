@@ -35,7 +35,7 @@ class PublishedFunction final : public Callable {
   const WStr& Name() const override { return name_; }
 
   Value Call(const CallArgs& args) override {
-    if (args.Count() > desc_.params.size()) args.WrongCount(CountText());
+    if (args.Count() > desc_.params.size()) args.WrongCount(desc_.params.empty() ? L"no" : CountText());
     CheckKeywordNames(args);
     std::vector<FPValue> values;
     for (size_t i = 0; i < desc_.params.size(); ++i) values.push_back(Argument(args, i));

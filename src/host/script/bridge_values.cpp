@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "host/script/bridge_values.h"
 
+#include <charconv>
+#include <cmath>
 #include <limits>
 
-#include "host/core/param_desc.h"
 #include "host/scene/core_interface.h"
 #include "host/script/bridge_object.h"
 #include "host/script/operators.h"
@@ -16,11 +17,6 @@ namespace {
 std::vector<TimeValue>& TimeStack() {
   static std::vector<TimeValue> stack;
   return stack;
-}
-
-ParamDimension DimensionOf(FPType type) {
-  if (type == FPType::Angle) return ParamDimension::Angle;
-  return type == FPType::Percent ? ParamDimension::Percent : ParamDimension::Plain;
 }
 
 FPType ItemType(FPType tab) {
@@ -43,7 +39,26 @@ FPType ItemType(FPType tab) {
 }
 bool IsTab(FPType type) { return ItemType(type) != FPType::Any; }
 
-Value Number(float f) { return Value::Float(static_cast<double>(f)); }
+/// Shown units for one stored.
+double ShownUnits(FPType type) {
+  if (type == FPType::Angle) return 57.295779513082320877;
+  return type == FPType::Percent ? 100 : 1;
+}
+float Stored(double shown, double units) { return static_cast<float>(shown / units); }
+
+// The shortest number that is stored as `f` again, so that 30 degrees read back as 30 and not as 30.000002.
+double Shown(float f, double units) {
+  const double exact = static_cast<double>(f) * units;
+  if (units == 1 || !std::isfinite(f)) return exact;
+  for (int digits = 5; digits <= 9; ++digits) {
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, exact, std::chars_format::general, digits);
+    double rounded = 0;
+    std::from_chars(text, end.ptr, rounded);
+    if (Stored(rounded, units) == f) return rounded;
+  }
+  return exact;
+}
 
 Value BitsAsArray(const BitArray& bits) {
   Value out = Value::Array();
@@ -84,7 +99,7 @@ struct Maker {
         return Value::Int(i);
     }
   }
-  Value operator()(float f) const { return Number(ConvertForDisplay(DimensionOf(type), f)); }
+  Value operator()(float f) const { return Value::Float(Shown(f, ShownUnits(type))); }
   Value operator()(FPTime t) const { return Value::Time(t.t); }
   Value operator()(const WStr& text) const { return Value::String(text); }
   Value operator()(const Ref<ReferenceTarget>& target) const { return WrapTarget(target.Get()); }
@@ -109,7 +124,7 @@ std::optional<FPValue> IntFrom(const Value& value, int64_t shift = 0) {
 std::optional<FPValue> FloatFrom(const Value& value, FPType type) {
   const auto n = ToNumber(value);
   if (!n) return {};
-  return FPValue(UnConvertFromDisplay(DimensionOf(type), static_cast<float>(*n)));
+  return FPValue(Stored(*n, ShownUnits(type)));
 }
 
 std::optional<FPValue> EnumFrom(const Value& value, const FPEnumDesc* enumeration) {

@@ -210,8 +210,9 @@ TEST_F(ScriptScene, MessageBoxesAreLinesInQuietRuns) {
 TEST_F(ScriptScene, PrimitivesCheckTheirArguments) {
   RegisterScriptPrimitive(L"MakeChain", [](const PrimitiveArgs& args) -> FPValue {
     args.RequireCount(3);
-    return args.Node(0, L"Start Joint")->GetName() + args.Node(1, L"End Joint")->GetName() +
-           (args.Bool(2, L" (Bones Controls)") ? L"!" : L"");
+    const INode* start = args.Node(0, L"Start Joint");
+    const INode* end = args.Node(1, L"End Joint");
+    return start->GetName() + end->GetName() + (args.Bool(2, L" (Bones Controls)") ? L"!" : L"");
   });
   struct Row {
     const wchar_t *text, *message;

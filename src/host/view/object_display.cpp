@@ -113,6 +113,7 @@ void BoneObject::Display(TimeValue t, INode*, GraphicsWindow& view) {
     if (block_->GetBool(fin.param)) DrawFin(view, bone, fin);
   const DrawScope scope(view);
   view.SetColour(Darker(view.State().colour));
+  view.SetLineWidth(1);  // wider edges would cover a slim bone
   for (const auto& edge : kBoneEdges) view.Segment(points[edge[0]], points[edge[1]]);
 }
 

@@ -119,7 +119,7 @@ void EulerControl::Copy(Control* from) {
     from->GetValue(t, q, ignored, CTRL_ABSOLUTE);
     SetValue(t, q, true, CTRL_ABSOLUTE);
   };
-  locked_ = false;
+  SetLocked(false);
   const auto* euler = static_cast<IEulerControl*>(from->GetInterface(I_EULERCTRL));
   if (euler) SetOrder(euler->GetOrder());
   if (from->NumKeys() == 0) {
@@ -128,7 +128,7 @@ void EulerControl::Copy(Control* from) {
     const AnimateScope animate;
     for (int i = 0, n = from->NumKeys(); i < n; ++i) copyAt(from->GetKeyTime(i));
   }
-  if (const ILockedTrack* lock = GetLockedTrack(from)) locked_ = lock->GetLocked();
+  if (const ILockedTrack* lock = GetLockedTrack(from)) SetLocked(lock->GetLocked());
 }
 
 void EulerControl::SetOrder(int order) {

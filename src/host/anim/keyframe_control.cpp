@@ -168,7 +168,7 @@ void KeyframeControl<Key>::SetValue(TimeValue t, ValueRef value, bool, GetSetMet
 template <class Key>
 void KeyframeControl<Key>::Copy(Control* from) {
   if (!from || from == this || from->SuperClassID() != SuperClassID()) return;
-  locked_ = false;
+  SetLocked(false);
   BeginEdit();
   if (from->ClassID() == ClassID()) {
     auto& same = static_cast<KeyframeControl&>(*from);
@@ -192,7 +192,7 @@ void KeyframeControl<Key>::Copy(Control* from) {
   }
   curve_.before = from->GetORT(false);
   curve_.after = from->GetORT(true);
-  if (const ILockedTrack* lock = GetLockedTrack(from)) locked_ = lock->GetLocked();
+  if (const ILockedTrack* lock = GetLockedTrack(from)) SetLocked(lock->GetLocked());
   EndEdit();
 }
 

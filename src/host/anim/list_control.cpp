@@ -101,7 +101,7 @@ void ListControl::SetValue(TimeValue t, ValueRef value, bool commit, GetSetMetho
 
 void ListControl::Copy(Control* from) {
   if (!from || from == this || from->SuperClassID() != SuperClassID()) return;
-  locked_ = false;
+  SetLocked(false);
   State s = ListState();
   if (IListControl* list = GetListControl(from)) {
     s = {};
@@ -117,7 +117,7 @@ void ListControl::Copy(Control* from) {
     s.active = 0;
   }
   Change(s);
-  if (const ILockedTrack* lock = GetLockedTrack(from)) locked_ = lock->GetLocked();
+  if (const ILockedTrack* lock = GetLockedTrack(from)) SetLocked(lock->GetLocked());
 }
 
 // --- entries

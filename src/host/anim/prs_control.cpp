@@ -95,14 +95,14 @@ void PrsControl::Copy(Control* from) {
     from->GetValue(t, tm, ignored, CTRL_RELATIVE);
     SetMatrix(t, tm, true);
   };
-  locked_ = false;
+  SetLocked(false);
   if (from->NumKeys() == 0) {
     copyAt(0);
   } else {
     const AnimateScope animate;
     for (int i = 0, n = from->NumKeys(); i < n; ++i) copyAt(from->GetKeyTime(i));
   }
-  if (const ILockedTrack* lock = GetLockedTrack(from)) locked_ = lock->GetLocked();
+  if (const ILockedTrack* lock = GetLockedTrack(from)) SetLocked(lock->GetLocked());
 }
 
 void PrsControl::CopyStateFrom(ReferenceTarget& source, RemapDir&) {

@@ -2,6 +2,7 @@
 #include "host/core/control.h"
 
 #include "host/core/class_desc.h"
+#include "host/core/hold.h"
 #include "host/core/notify.h"
 
 namespace corvanta {
@@ -60,6 +61,25 @@ SetXFormPacket SetXFormPacket::Set(const Matrix3& wanted, const Matrix3& parent)
   packet.tmParent = parent;
   packet.tmAxis = wanted;
   return packet;
+}
+
+/// Undo of a lock.
+class LockRestore final : public RestoreObj {
+ public:
+  LockRestore(ILockedTrack* track, ReferenceTarget* owner) : owner_(owner), track_(track), kept_(track->locked_) {}
+  void Restore(bool) override { std::swap(kept_, track_->locked_); }
+  void Redo() override { std::swap(kept_, track_->locked_); }
+
+ private:
+  Ref<ReferenceTarget> owner_;
+  ILockedTrack* track_;
+  bool kept_;
+};
+
+void ILockedTrack::SetLocked(bool on) {
+  if (locked_ == on) return;
+  if (theHold.Holding()) theHold.Put(std::make_unique<LockRestore>(this, dynamic_cast<ReferenceTarget*>(this)));
+  locked_ = on;
 }
 
 ILockedTrack* GetLockedTrack(Animatable* anim) {

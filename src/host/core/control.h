@@ -80,10 +80,14 @@ class ILockedTrack {
  public:
   virtual ~ILockedTrack() = default;
   bool GetLocked() const { return locked_; }
-  void SetLocked(bool on) { locked_ = on; }
+  /// Undoable.
+  void SetLocked(bool on);
 
  protected:
   bool locked_ = false;
+
+ private:
+  friend class LockRestore;
 };
 using ILockedTrackImp = ILockedTrack;
 /// The lock of any object, null when it cannot be locked.

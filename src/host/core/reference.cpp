@@ -37,8 +37,10 @@ class ReferenceRestore final : public RestoreObj {
   void Redo() override { Put(after_.Get()); }
 
  private:
+  // The maker hears it as a change of what it refers to now, so that what it keeps of the other goes.
   void Put(ReferenceTarget* target) {
     maker_->BindReference(which_, target);
+    if (target) target->NotifyDependents();
     maker_->NotifyDependents();
   }
   Ref<ReferenceTarget> maker_;

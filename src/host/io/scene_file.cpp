@@ -37,7 +37,10 @@ class Quiet {
 
 }  // namespace
 
+// Controllers may take over something from the scene when they are first evaluated. A file must not depend on whether
+// anybody has looked at the nodes before it was saved.
 WStr SaveSceneToBytes(const Scene& scene, std::vector<uint8_t>* out) {
+  for (const Ref<INode>& node : scene.Nodes()) node->GetNodeTM(scene.time.time);
   const Quiet quiet(&ProgramState::saving);
   if (WStr error = WriteScene(scene, out); !error.empty()) return error;
   // What could not be read again must not replace a good file.

@@ -190,7 +190,7 @@ void INode::SetReference(int which, ReferenceTarget* target) {
     default:
       break;
   }
-  if (which == 0) tmValid_ = NEVER;
+  if (which == 0) DropMatrices();
 }
 
 bool INode::SetTMController(Control* control) {

@@ -14,7 +14,7 @@ namespace {
 
 constexpr ParamRow kRows[] = {
     {kWeight, L"weight", ParamType::Float, kAnimatable | kTab, 50.0f, {0, 100}, L"Scale Weight"},
-    {kTargetList, L"target_list", ParamType::Node, kTab, {}, {}, L"Scale List"},
+    {kTargetList, L"target_list", ParamType::Node, kTab, {}, {}, L"Scale List", 0, &targetListHook},
     {kRelative, L"relative", ParamType::Bool, kNone, false, {}, L"Scale Relative"},
     {ScaleConstraint::kLocalWorld, L"local_world", ParamType::Int, kNone, 0, {0, 1}, L"Local World"},
 };
@@ -83,9 +83,9 @@ void ScaleConstraint::Copy(Control* from) {
   if (auto* same = dynamic_cast<ScaleConstraint*>(from)) {
     if (same->block_) ReplaceReference(0, CloneRefHierarchy(same->block_));
     state_ = same->state_;
-    locked_ = same->locked_;
+    SetLocked(same->locked_);
   } else {
-    if (const ILockedTrack* track = GetLockedTrack(from)) locked_ = track->GetLocked();
+    if (const ILockedTrack* track = GetLockedTrack(from)) SetLocked(track->GetLocked());
     Interval valid = FOREVER;
     from->GetValue(GetCOREInterface()->GetTime(), state_.localBase, valid, CTRL_ABSOLUTE);
     state_.worldBase = state_.localBase;
@@ -93,6 +93,8 @@ void ScaleConstraint::Copy(Control* from) {
   }
   NotifyDependents();
 }
+
+void ScaleConstraint::RecordTaken() { RecordState(this, &ScaleConstraint::state_); }
 
 void ScaleConstraint::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   const auto& from = static_cast<ScaleConstraint&>(source);

@@ -22,6 +22,9 @@ class ScaleConstraint final : public TargetConstraint {
   corvanta::IOResult Load(corvanta::ILoad& load) override;
   void StateRestored() { NotifyDependents(); }
 
+ protected:
+  void RecordTaken() override;
+
  private:
   struct State {
     corvanta::ScaleValue localBase, worldBase, reference;

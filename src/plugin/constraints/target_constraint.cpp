@@ -11,6 +11,8 @@ namespace {
 enum FunctionID { kGetNumTargets = 0, kGetNode, kGetWeight, kSetWeight, kAppendTarget, kDeleteTarget };
 }
 
+TargetListHook targetListHook;
+
 FPInterfaceDesc ConstraintInterface(TavrilonClass row) {
   const Class_ID id = DescOf(row).classId;
   return FPInterfaceDesc(

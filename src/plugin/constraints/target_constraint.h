@@ -54,6 +54,8 @@ class TargetConstraint : public corvanta::Control, public corvanta::ILockedTrack
   void SetReference(int which, corvanta::ReferenceTarget* target) override {
     if (which == 0) block_ = static_cast<corvanta::ParamBlock2*>(target);
   }
+  /// The list is about to count otherwise. What evaluation took from the targets of before belongs to the undo of that.
+  virtual void RecordTaken() {}
   /// May `target` join the list?
   bool CanAppend(corvanta::INode* target) const;
   bool HasTarget(corvanta::INode* target) const;
@@ -61,6 +63,7 @@ class TargetConstraint : public corvanta::Control, public corvanta::ILockedTrack
   corvanta::ParamBlock2* block_ = nullptr;
 
  private:
+  friend class TargetListHook;
   class Published final : public corvanta::FPMixinInterface {
    public:
     Published(TargetConstraint& owner, const corvanta::FPInterfaceDesc& desc) : owner_(owner), desc_(desc) {}
@@ -75,6 +78,16 @@ class TargetConstraint : public corvanta::Control, public corvanta::ILockedTrack
   TavrilonClass row_;
   Published published_;
 };
+
+/// For the rows of target lists: whoever changes the list, by the interface or by the parameter.
+class TargetListHook final : public corvanta::PBAccessor {
+ public:
+  void TabChanged(corvanta::TabChange change, corvanta::ParamBlock2&, corvanta::ReferenceTarget* owner,
+                  corvanta::ParamID, int, int) override {
+    if (owner && change != corvanta::TabChange::EntryLost) static_cast<TargetConstraint*>(owner)->RecordTaken();
+  }
+};
+extern TargetListHook targetListHook;
 
 /// The table of the interface "constraints", with the ID of the class.
 corvanta::FPInterfaceDesc ConstraintInterface(TavrilonClass row);

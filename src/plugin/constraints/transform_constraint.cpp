@@ -14,7 +14,7 @@ namespace {
 
 constexpr ParamRow kRows[] = {
     {kWeight, L"weight", ParamType::Float, kAnimatable | kTab, 50.0f, {0, 100}, L"Transform Weight"},
-    {kTargetList, L"target_list", ParamType::Node, kTab, {}, {}, L"Transform List"},
+    {kTargetList, L"target_list", ParamType::Node, kTab, {}, {}, L"Transform List", 0, &targetListHook},
     {kRelative, L"relative", ParamType::Bool, kNone, false, {}, L"Transform Weight UI"},
     {TransformConstraint::kLocalWorld, L"local_world", ParamType::Int, kNone, 0, {0, 1}, L"Local World"},
     {TransformConstraint::kFollowScale, L"follow_scale", ParamType::Bool, kNone, true, {}, L"Follow Scale"},
@@ -104,9 +104,9 @@ void TransformConstraint::Copy(Control* from) {
   if (auto* same = dynamic_cast<TransformConstraint*>(from)) {
     if (same->block_) ReplaceReference(0, CloneRefHierarchy(same->block_));
     state_ = same->state_;
-    locked_ = same->locked_;
+    SetLocked(same->locked_);
   } else {
-    if (const ILockedTrack* track = GetLockedTrack(from)) locked_ = track->GetLocked();
+    if (const ILockedTrack* track = GetLockedTrack(from)) SetLocked(track->GetLocked());
     Matrix3 tm;
     Interval valid = FOREVER;
     from->GetValue(GetCOREInterface()->GetTime(), tm, valid, CTRL_RELATIVE);
@@ -115,6 +115,8 @@ void TransformConstraint::Copy(Control* from) {
   }
   NotifyDependents();
 }
+
+void TransformConstraint::RecordTaken() { RecordState(this, &TransformConstraint::state_); }
 
 void TransformConstraint::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   const auto& from = static_cast<TransformConstraint&>(source);

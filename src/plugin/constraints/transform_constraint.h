@@ -28,6 +28,9 @@ class TransformConstraint final : public TargetConstraint {
   corvanta::IOResult Load(corvanta::ILoad& load) override;
   void StateRestored() { NotifyDependents(); }
 
+ protected:
+  void RecordTaken() override;
+
  private:
   struct State {
     corvanta::Matrix3 localBase, worldBase, reference;

@@ -110,7 +110,7 @@ void RigControl::Copy(Control* from) {
   Interval valid = FOREVER;
   from->GetValue(GetCOREInterface()->GetTime(), pose, valid, CTRL_RELATIVE);
   StoreOffset(pose);
-  if (const ILockedTrack* lock = GetLockedTrack(from)) locked_ = lock->GetLocked();
+  if (const ILockedTrack* lock = GetLockedTrack(from)) SetLocked(lock->GetLocked());
 }
 
 void RigControl::Display(TimeValue, INode* node, GraphicsWindow& view) {

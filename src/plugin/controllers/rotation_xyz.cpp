@@ -130,14 +130,14 @@ void RotationXYZ::Copy(Control* from) {
     from->GetValue(t, q, valid, CTRL_ABSOLUTE);
     SetValue(t, q, true, CTRL_ABSOLUTE);
   };
-  locked_ = false;
+  SetLocked(false);
   if (from->NumKeys() == 0) {
     copyAt(0);
   } else {
     const AnimateForced animate;
     for (int i = 0; i < from->NumKeys(); ++i) copyAt(from->GetKeyTime(i));
   }
-  if (const ILockedTrack* lock = GetLockedTrack(from)) locked_ = lock->GetLocked();
+  if (const ILockedTrack* lock = GetLockedTrack(from)) SetLocked(lock->GetLocked());
 }
 
 // References.

@@ -61,7 +61,7 @@ class StaticControl : public corvanta::Control, public corvanta::ILockedTrackImp
  protected:
   /// Takes over the lock of a controller that this one replaces, when it has one.
   void CopyLock(corvanta::Control* from) {
-    if (const corvanta::ILockedTrack* lock = corvanta::GetLockedTrack(from)) locked_ = lock->GetLocked();
+    if (const corvanta::ILockedTrack* lock = corvanta::GetLockedTrack(from)) SetLocked(lock->GetLocked());
   }
   Value value_{};
 };

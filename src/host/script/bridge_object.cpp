@@ -135,9 +135,14 @@ bool GetOwn(ReferenceTarget& target, const WStr& name, Value& out) {
 }
 
 bool SetOwn(ReferenceTarget& target, const WStr& name, const Value& value) {
-  if (SetParameter(target, name, value)) return true;
-  for (int i = 0; i < target.NumInterfaces(); ++i)
-    if (SetPublished(*target.GetInterfaceAt(i), name, value)) return true;
+  const auto setPublished = [&] {
+    for (int i = 0; i < target.NumInterfaces(); ++i)
+      if (SetPublished(*target.GetInterfaceAt(i), name, value)) return true;
+    return false;
+  };
+  // A #name is meant for the enumeration of a property that stands for a number parameter of the same name.
+  if (value.Is(Kind::Name) && setPublished()) return true;
+  if (SetParameter(target, name, value) || setPublished()) return true;
   if (target.AsControl() && TargetOf(value) && SetControlPart(*target.AsControl(), name, value)) return true;
   Value sub;
   if (!GetSubAnim(target, name, sub)) return false;

@@ -2,6 +2,7 @@
 #include "app/rig_draft.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "app/nearest_name.h"
@@ -142,10 +143,11 @@ std::string RigDraft::SetNumber(const ParamRow& row, const std::string& value) {
   const std::string name = ToUtf8(row.name);
   const std::vector<float> numbers = ReadNumbers(value);
   const bool whole = IsIntType(row.type);
-  if (numbers.size() != 1 || (whole && numbers[0] != static_cast<float>(static_cast<long long>(numbers[0]))))
+  if (numbers.size() != 1 || (whole && numbers[0] != std::trunc(numbers[0])))
     return name + ": " + Quote(value) + " is no " + KindName(row.type);
   if (row.range.IsGiven() && (numbers[0] < row.range.min || numbers[0] > row.range.max))
     return name + ": " + value + " is out of its range, " + ShowRange(row);
+  if (whole && std::abs(numbers[0]) > 2e9f) return name + ": " + value + " is too large";
   const bool taken =
       whole ? block_->SetValue(row.id, 0, static_cast<int>(numbers[0])) : block_->SetValue(row.id, 0, numbers[0]);
   return taken ? "" : name + ": it was not taken";

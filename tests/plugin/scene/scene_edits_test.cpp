@@ -5,9 +5,9 @@
 #include <unordered_set>
 
 #include "host/core/class_desc.h"
+#include "host/core/cust_attrib.h"
 #include "plugin/frame/loop_validator.h"
 #include "plugin/scene/edit_picks_test.h"
-#include "support/scene_samples.h"
 
 namespace tavrilon::scene_tests {
 
@@ -103,7 +103,7 @@ TimeValue PickTime(Dice& dice) {
 Control* MakeController(Dice& dice, SClass_ID superClass) {
   std::vector<const ClassDesc*> fitting;
   for (const ClassDesc* desc : ClassDirectory::Get().All())
-    if (desc->superClass == superClass && desc->create && desc->classId.a != scene_samples::kSampleWord)
+    if (desc->superClass == superClass && desc->create && desc->isPublic)
       fitting.push_back(desc);
   return fitting.empty() ? nullptr : dice.Pick(fitting)->Create()->AsControl();
 }

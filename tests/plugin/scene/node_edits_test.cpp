@@ -270,10 +270,18 @@ std::string Transform(Dice& dice) {
 }  // namespace
 
 const std::vector<EditRow> kNodeEdits = {
-    {"create", 10, CreateNode},      {"delete", 3, DeleteNode},      {"delete set", 2, DeleteNodes},
-    {"clone", 2, CloneNodes},        {"attach", 6, Attach},          {"object", 2, SetObject},
-    {"property", 8, SetProperty},    {"layer", 5, ChangeLayer},      {"select", 5, Select},
-    {"modifier", 4, ChangeModifiers}, {"attribute", 3, ChangeAttributes}, {"track root", 2, ChangeTrackRoot},
+    {"create", 10, CreateNode},
+    {"delete", 3, DeleteNode},
+    {"delete set", 2, DeleteNodes},
+    {"clone", 2, CloneNodes},
+    {"attach", 6, Attach},
+    {"object", 2, SetObject},
+    {"property", 8, SetProperty},
+    {"layer", 5, ChangeLayer},
+    {"select", 5, Select},
+    {"modifier", 4, ChangeModifiers},
+    {"attribute", 3, ChangeAttributes},
+    {"track root", 2, ChangeTrackRoot},
     {"transform", 12, Transform},
 };
 

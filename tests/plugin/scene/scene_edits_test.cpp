@@ -103,8 +103,7 @@ TimeValue PickTime(Dice& dice) {
 Control* MakeController(Dice& dice, SClass_ID superClass) {
   std::vector<const ClassDesc*> fitting;
   for (const ClassDesc* desc : ClassDirectory::Get().All())
-    if (desc->superClass == superClass && desc->create && desc->isPublic)
-      fitting.push_back(desc);
+    if (desc->superClass == superClass && desc->create && desc->isPublic) fitting.push_back(desc);
   return fitting.empty() ? nullptr : dice.Pick(fitting)->Create()->AsControl();
 }
 

@@ -40,8 +40,8 @@ std::string Assign(Dice& dice) {
   const Ref<Control> made(MakeController(dice, slot.superClass));
   if (!made) return {};
   const bool copy = !dice.OneIn(3);
-  const bool done = copy ? AssignWithCopy(slot.owner, slot.sub, made.Get())
-                         : slot.owner->AssignController(made.Get(), slot.sub);
+  const bool done =
+      copy ? AssignWithCopy(slot.owner, slot.sub, made.Get()) : slot.owner->AssignController(made.Get(), slot.sub);
   return "assign " + Tell(made.Get()) + " to " + Tell(slot.owner) + "/" + std::to_string(slot.sub) + " of " +
          Tell(node) + (copy ? " with copy" : "") + (done ? "" : ", refused");
 }
@@ -249,10 +249,17 @@ std::string ChangeRigControl(Dice& dice) {
 }  // namespace
 
 const std::vector<EditRow> kTrackEdits = {
-    {"assign", 14, Assign},         {"share", 1, Share},           {"write", 8, WriteValue},
-    {"keys", 10, ChangeKeys},       {"key records", 4, ChangeKeyRecords}, {"list", 5, ChangeList},
-    {"order", 2, ChangeOrder},      {"curves", 3, ChangeCurves},   {"lock", 2, ChangeLock},
-    {"targets", 12, ChangeTargets}, {"rig control", 5, ChangeRigControl},
+    {"assign", 14, Assign},
+    {"share", 1, Share},
+    {"write", 8, WriteValue},
+    {"keys", 10, ChangeKeys},
+    {"key records", 4, ChangeKeyRecords},
+    {"list", 5, ChangeList},
+    {"order", 2, ChangeOrder},
+    {"curves", 3, ChangeCurves},
+    {"lock", 2, ChangeLock},
+    {"targets", 12, ChangeTargets},
+    {"rig control", 5, ChangeRigControl},
 };
 
 }  // namespace tavrilon::scene_tests

@@ -140,9 +140,9 @@ bool SetOwn(ReferenceTarget& target, const WStr& name, const Value& value) {
       if (SetPublished(*target.GetInterfaceAt(i), name, value)) return true;
     return false;
   };
-  // A #name is meant for the enumeration of a property that stands for a number parameter of the same name.
-  if (value.Is(Kind::Name) && setPublished()) return true;
-  if (SetParameter(target, name, value) || setPublished()) return true;
+  // A published property does more than the parameter of its name that it stands for: it knows the names of an
+  // enumeration, and what else a write entails.
+  if (setPublished() || SetParameter(target, name, value)) return true;
   if (target.AsControl() && TargetOf(value) && SetControlPart(*target.AsControl(), name, value)) return true;
   Value sub;
   if (!GetSubAnim(target, name, sub)) return false;

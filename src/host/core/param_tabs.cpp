@@ -65,7 +65,9 @@ bool ParamBlock2::Insert(ParamID id, int at, const FPValue& value) {
   std::rotate(cells.begin() + at, cells.end() - 1, cells.end());
   RetagTab(index);
   if (row->accessor) row->accessor->TabChanged(TabChange::Inserted, *this, owner_, id, at, 1);
-  return SetFPValue(id, 0, value, at);
+  if (SetFPValue(id, 0, value, at)) return true;
+  Changed(index, at, 0, false);  // the value was refused, the entry is there all the same
+  return false;
 }
 
 bool ParamBlock2::Delete(ParamID id, int at, int count) {

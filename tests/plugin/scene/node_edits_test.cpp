@@ -16,7 +16,7 @@ using namespace corvanta;
 
 namespace {
 
-constexpr int kMostNodes = 40;
+constexpr size_t kMostNodes = 40;
 
 Object* MakeObject(Dice& dice) {
   switch (dice.Int(9)) {
@@ -41,7 +41,7 @@ Object* MakeObject(Dice& dice) {
 std::string DeleteNodes(Dice& dice) {
   Tab<INode*> nodes;
   std::string told = "delete";
-  for (INode* node : PickNodes(dice, 5)) {
+  for (INode* node : PickNodes(dice, 1 + static_cast<int>(GetScene().Nodes().size() / 6))) {
     nodes.Append(node);
     told += " " + Tell(node);
   }

@@ -77,10 +77,18 @@ std::string SetOption(RigSystem& rig, Dice& dice) {
   return " " + ToUtf8(row.name) + "=" + std::to_string(value);
 }
 
+std::string MakeTemplate(Dice& dice) {
+  auto* rig = new RigSystem;
+  INode* node = GetScene().CreateObjectNode(rig);
+  node->SetNodeTM(0, PickMatrix(dice));
+  rig->SetType(dice.Int(kRigTypeCount));
+  return "create rig template " + Tell(node);
+}
+
 std::string BuildRig(Dice& dice) {
   RigSystem* rig = PickRig(dice);
-  if (!rig || GetScene().Nodes().size() > 250) return {};
-  if (!rig->IsActive()) return {};
+  if (!rig || (!rig->IsActive() && GetScene().Nodes().size() < 80)) return MakeTemplate(dice);
+  if (!rig->IsActive() || GetScene().Nodes().size() > 250) return {};
   if (dice.OneIn(2)) rig->SetType(dice.Int(kRigTypeCount));
   std::string told = "build type " + std::to_string(rig->GetType());
   for (int i = dice.Int(5); i > 0; --i) told += SetOption(*rig, dice);
@@ -93,14 +101,6 @@ std::string ResetRig(Dice& dice) {
   if (!rig) return {};
   rig->ResetRig();
   return "reset rig";
-}
-
-std::string MakeTemplate(Dice& dice) {
-  auto* rig = new RigSystem;
-  INode* node = GetScene().CreateObjectNode(rig);
-  node->SetNodeTM(0, PickMatrix(dice));
-  rig->SetType(dice.Int(kRigTypeCount));
-  return "create rig template " + Tell(node);
 }
 
 std::string Pose(Dice& dice) {
@@ -120,6 +120,6 @@ std::string Pose(Dice& dice) {
 
 const std::vector<EditRow> kTemplateEdits = {{"template", 8, EditTemplate}};
 const std::vector<EditRow> kBuiltRigEdits = {
-    {"make template", 6, MakeTemplate}, {"build", 16, BuildRig}, {"reset", 8, ResetRig}, {"pose", 20, Pose}};
+    {"make template", 2, MakeTemplate}, {"build", 24, BuildRig}, {"reset", 8, ResetRig}, {"pose", 20, Pose}};
 
 }  // namespace tavrilon::scene_tests

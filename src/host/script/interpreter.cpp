@@ -118,7 +118,6 @@ RunResult Interpreter::Run(const WStr& text, const WStr& sourceName) {
     const auto source = std::make_shared<const Source>(Source{sourceName, text});
     result.value = RunCode(Parse(*this, source));
     result.ok = true;
-    containers_.Keep(result.value);
   } catch (const ScriptError& error) {
     result.report = error.Report();
     result.message = error.message();

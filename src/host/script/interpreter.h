@@ -53,8 +53,8 @@ class Interpreter {
   Interpreter(const Interpreter&) = delete;
   Interpreter& operator=(const Interpreter&) = delete;
 
-  /// Parses and runs `text`; never throws. `sourceName` is what messages call it. A value that is a function or
-  /// an array lives on after the interpreter.
+  /// Parses and runs `text`; never throws. `sourceName` is what messages call it. Use the value before
+  /// the interpreter goes: arrays and functions are emptied with it, since they may hold each other.
   RunResult Run(const WStr& text, const WStr& sourceName);
   /// The same for use inside a script (`execute`, `fileIn`): errors travel on.
   Value Execute(const WStr& text, const WStr& sourceName);

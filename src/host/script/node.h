@@ -94,7 +94,6 @@ class ScriptFunction final : public Callable {
   Value Call(const CallArgs& args) override;
   CellObject& Captured(int index) const { return captured_[static_cast<size_t>(index)].AsCell(); }
   void Clear() override { captured_.clear(); }
-  void Visit(void (*visit)(const Value&, void*), void* context) const override;
 
  private:
   void BindParameters(Frame& frame, const CallArgs& args) const;

@@ -27,10 +27,6 @@ class AtExit {
 
 // Functions.
 
-void ScriptFunction::Visit(void (*visit)(const Value&, void*), void* context) const {
-  for (const Value& cell : captured_) visit(cell, context);
-}
-
 void ScriptFunction::BindParameters(Frame& frame, const CallArgs& args) const {
   size_t next = 0;
   for (const Parameter& parameter : code_->parameters) {

@@ -35,7 +35,6 @@ StringObject::~StringObject() { MemoryUse::Discharge(StringBytes(text)); }
 // The anchor is an entry that is always in the ring, so that linking needs no branches.
 struct ContainerList::Anchor final : Container {
   void Clear() override {}
-  void Visit(void (*)(const Value&, void*), void*) const override {}
 };
 
 Container::Container() {
@@ -60,37 +59,15 @@ ContainerList::ContainerList() : outer_(g_current) {
   g_current = this;
 }
 
-void ContainerList::MarkFrom(const Value& value) {
-  std::vector<Container*> open;
-  const auto push = [](const Value& v, void* context) {
-    if (!IsHeap(v.kind())) return;
-    auto* container = dynamic_cast<Container*>(v.heap());
-    if (!container || container->reached_) return;
-    container->reached_ = true;
-    static_cast<std::vector<Container*>*>(context)->push_back(container);
-  };
-  push(value, &open);
-  while (!open.empty()) {
-    const Container* container = open.back();
-    open.pop_back();
-    container->Visit(push, &open);
-  }
-}
-
 ContainerList::~ContainerList() {
-  for (const Value& value : kept_) MarkFrom(value);
   std::vector<Container*> lost;
   while (anchor_->next_ != anchor_) {
     Container* container = anchor_->next_;
     anchor_->next_ = container->next_;
     container->next_->previous_ = anchor_;
     container->next_ = container->previous_ = nullptr;
-    if (container->reached_) {
-      container->reached_ = false;
-    } else {
-      container->AddRef();
-      lost.push_back(container);
-    }
+    container->AddRef();
+    lost.push_back(container);
   }
   for (Container* container : lost) container->Clear();
   for (Container* container : lost) container->DropRef();
@@ -130,10 +107,6 @@ void ArrayObject::Clear() {
   const std::vector<Value> gone = std::move(items_);
   items_.clear();
 }
-void ArrayObject::Visit(void (*visit)(const Value&, void*), void* context) const {
-  for (const Value& item : items_) visit(item, context);
-}
-
 Value ClassObject::Call(const CallArgs&) { FailWith(L"%s cannot be made by a call", name_.c_str()); }
 
 Value NativeFunction::Call(const CallArgs& args) {

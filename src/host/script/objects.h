@@ -45,13 +45,11 @@ class Container : public HeapObject {
   ~Container() override;
   /// Drops the held values.
   virtual void Clear() = 0;
-  virtual void Visit(void (*visit)(const Value&, void*), void* context) const = 0;
 
  private:
   friend class ContainerList;
   Container* previous_ = nullptr;
   Container* next_ = nullptr;
-  bool reached_ = false;
 };
 
 /// The containers made while the list was current, newest first. Lists nest: a script that runs a script.
@@ -60,17 +58,14 @@ class ContainerList {
   ContainerList();
   ContainerList(const ContainerList&) = delete;
   ContainerList& operator=(const ContainerList&) = delete;
-  /// Clears what is left but cannot be reached from `kept`.
+  /// Clears what is left: a value that lives longer is empty from then on.
   ~ContainerList();
-  void Keep(const Value& value) { kept_.push_back(value); }
 
  private:
   friend class Container;
   struct Anchor;
-  void MarkFrom(const Value& value);
   Anchor* anchor_;
   ContainerList* outer_;
-  std::vector<Value> kept_;
 };
 
 class ArrayObject final : public Container {
@@ -87,7 +82,6 @@ class ArrayObject final : public Container {
   void Erase(size_t at);
   const std::vector<Value>& items() const { return items_; }
   void Clear() override;
-  void Visit(void (*visit)(const Value&, void*), void* context) const override;
 
  private:
   void Grow(size_t more);
@@ -98,7 +92,6 @@ class CellObject final : public Container {
  public:
   Value value;
   void Clear() override { value = Value(); }
-  void Visit(void (*visit)(const Value&, void*), void* context) const override { visit(value, context); }
 };
 
 /// Anything that can be called.
@@ -107,7 +100,6 @@ class Callable : public Container {
   virtual const WStr& Name() const = 0;
   virtual Value Call(const CallArgs& args) = 0;
   void Clear() override {}
-  void Visit(void (*)(const Value&, void*), void*) const override {}
 };
 
 /// A class by name: `classOf` gives one, a call makes an instance.

@@ -3,6 +3,7 @@
 // base.
 #pragma once
 
+#include "plugin/constraints/base_state.h"
 #include "plugin/constraints/target_constraint.h"
 
 namespace tavrilon {
@@ -18,21 +19,16 @@ class ScaleConstraint final : public TargetConstraint {
   void SetValue(corvanta::TimeValue, corvanta::ValueRef, bool, corvanta::GetSetMethod) override {}
   void Copy(Control* from) override;
   void CopyStateFrom(corvanta::ReferenceTarget& source, corvanta::RemapDir& remap) override;
-  corvanta::IOResult Save(corvanta::ISave& save) override;
-  corvanta::IOResult Load(corvanta::ILoad& load) override;
+  corvanta::IOResult Save(corvanta::ISave& save) override { return state_.Save(save, locked_); }
+  corvanta::IOResult Load(corvanta::ILoad& load) override { return state_.Load(load, locked_); }
   void StateRestored() { NotifyDependents(); }
 
  protected:
   void RecordTaken() override;
 
  private:
-  struct State {
-    corvanta::ScaleValue localBase, worldBase, reference;
-    int referenceCount = 0;
-    bool captureBase = false;
-  };
   corvanta::ScaleValue Blended(corvanta::TimeValue t, corvanta::Interval& valid, bool local);
-  State state_;
+  BaseState<corvanta::ScaleValue> state_;
 };
 
 }  // namespace tavrilon

@@ -3,6 +3,7 @@
 // targets were taken.
 #pragma once
 
+#include "plugin/constraints/base_state.h"
 #include "plugin/constraints/target_constraint.h"
 
 namespace tavrilon {
@@ -24,23 +25,18 @@ class TransformConstraint final : public TargetConstraint {
     return GetNumTargets() > 0;
   }
   void CopyStateFrom(corvanta::ReferenceTarget& source, corvanta::RemapDir& remap) override;
-  corvanta::IOResult Save(corvanta::ISave& save) override;
-  corvanta::IOResult Load(corvanta::ILoad& load) override;
+  corvanta::IOResult Save(corvanta::ISave& save) override { return state_.Save(save, locked_); }
+  corvanta::IOResult Load(corvanta::ILoad& load) override { return state_.Load(load, locked_); }
   void StateRestored() { NotifyDependents(); }
 
  protected:
   void RecordTaken() override;
 
  private:
-  struct State {
-    corvanta::Matrix3 localBase, worldBase, reference;
-    int referenceCount = 0;
-    bool captureBase = false;
-  };
   corvanta::Matrix3 TargetTM(int i, corvanta::TimeValue t, corvanta::Interval& valid, bool local) const;
   corvanta::Matrix3 Blended(corvanta::TimeValue t, corvanta::Interval& valid, bool local);
   corvanta::Matrix3 RelativeToBase(const corvanta::AffineParts& blend, bool local) const;
-  State state_;
+  BaseState<corvanta::Matrix3> state_;
 };
 
 }  // namespace tavrilon

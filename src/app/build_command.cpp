@@ -59,7 +59,7 @@ struct BuildPlan {
 
 std::string ReadPlan(const BuildOptions& options, BuildPlan& plan) {
   if (!options.name.empty()) plan.settings.push_back({"rig_name", options.name});
-  if (options.height > 0) plan.settings.push_back({"helper_size", std::to_string(options.height)});
+  if (options.height > 0) plan.settings.push_back({"helper_size", WriteNumber(static_cast<float>(options.height))});
   for (const std::string& text : options.settings) {
     Setting setting;
     if (!ReadAssignment(text, setting.name, setting.value)) return "--set " + text + ": give NAME=VALUE";

@@ -21,6 +21,11 @@ std::vector<float> ReadNumbers(const std::string& text) {
   }
 }
 
+std::string WriteNumber(float number) {
+  char text[40];
+  return {text, std::to_chars(text, text + sizeof text, number).ptr};
+}
+
 bool ReadAssignment(const std::string& text, std::string& name, std::string& value) {
   const size_t equals = text.find('=');
   if (equals == std::string::npos || equals == 0) return false;

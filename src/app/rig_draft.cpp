@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include "app/nearest_name.h"
 #include "app/published_call.h"
@@ -18,12 +17,6 @@ namespace {
 
 std::string Quote(const std::string& text) { return "\"" + text + "\""; }
 
-std::string ShowNumber(float value) {
-  char text[40];
-  std::snprintf(text, sizeof text, "%.9g", value);
-  return text;
-}
-
 // What a user calls the kinds; rows of other kinds are not set from a command line.
 const char* KindName(ParamType type) {
   if (type == ParamType::Bool) return "on/off";
@@ -37,15 +30,15 @@ std::string ShowValue(const ParamBlock2& block, const ParamRow& row) {
   if (row.type == ParamType::Bool) return block.GetBool(row.id) ? "on" : "off";
   if (IsTextType(row.type)) return ToUtf8(block.GetStr(row.id));
   if (IsIntType(row.type)) return std::to_string(block.GetInt(row.id));
-  if (row.type != ParamType::Colour) return ShowNumber(block.GetFloat(row.id));
+  if (row.type != ParamType::Colour) return WriteNumber(block.GetFloat(row.id));
   const Colour c = block.GetColour(row.id);
-  return ShowNumber(c.r) + "," + ShowNumber(c.g) + "," + ShowNumber(c.b);
+  return WriteNumber(c.r) + "," + WriteNumber(c.g) + "," + WriteNumber(c.b);
 }
 
 std::string ShowRange(const ParamRow& row) {
   if (!row.range.IsGiven()) return "";
-  if (row.range.max >= 1e30f) return "from " + ShowNumber(row.range.min);
-  return ShowNumber(row.range.min) + " to " + ShowNumber(row.range.max);
+  if (row.range.max >= 1e30f) return "from " + WriteNumber(row.range.min);
+  return WriteNumber(row.range.min) + " to " + WriteNumber(row.range.max);
 }
 
 bool ReadSwitch(const std::string& text, bool& on) {

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// Softening: near its full reach a limb approaches the goal ever more slowly instead of snapping straight.
+#pragma once
+
+#include "host/maths/point.h"
+
+namespace tavrilon {
+
+/// `length` is the sum of the bones, `start` the root. Both factors are fractions from 0.
+struct SoftReachIn {
+  corvanta::Point3 start, goal;
+  float length = 0;
+  float softness = 0;
+  /// Automatic stretch times the blend: how far the limb grows to the goal instead.
+  float stretch = 0;
+};
+/// Every bone is to be multiplied by `boneScale`; goal and distance are those to solve for.
+struct SoftReachOut {
+  float boneScale = 1;
+  corvanta::Point3 goal;
+  float distance = 0;
+};
+
+/// A goal well within reach comes back as it is. No failure, no NaN for finite input.
+SoftReachOut SoftenReach(const SoftReachIn& in);
+
+}  // namespace tavrilon

@@ -33,7 +33,7 @@ void BM_Save(benchmark::State& state, Content content) {
     if (SaveScene(L"/tmp/tavrilon_bench.tvs") != L"") state.SkipWithError("cannot save");
   std::vector<uint8_t> out;
   if (SaveSceneToBytes(GetScene(), &out).empty()) bytes = out.size();
-  state.counters["bytes"] = static_cast<double>(bytes);
+  state.SetLabel(std::to_string(bytes) + " bytes");
 }
 BENCHMARK_CAPTURE(BM_Save, keyed_nodes, Content::KeyedNodes)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Save, biped, Content::Biped)->Unit(benchmark::kMillisecond);

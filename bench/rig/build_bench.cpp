@@ -68,7 +68,7 @@ void BM_EvaluateBipeds(benchmark::State& state, bool all) {
     t = (t + 37) % 20000;
     for (const Ref<INode>& node : GetScene().Nodes()) benchmark::DoNotOptimize(node->GetNodeTM(t).row[3]);
   }
-  state.counters["nodes"] = static_cast<double>(GetScene().Nodes().size());
+  state.SetLabel(std::to_string(GetScene().Nodes().size()) + " nodes");
 }
 BENCHMARK_CAPTURE(BM_EvaluateBipeds, main_keyed, false)->Arg(1)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(BM_EvaluateBipeds, all_keyed, true)->Arg(1)->Arg(10)->Arg(100)->Unit(benchmark::kMicrosecond);

@@ -3,6 +3,8 @@
 // places are worked out, and the frames of all its points are read.
 #include <benchmark/benchmark.h>
 
+#include <string>
+
 #include "plugin/rig/point_frame.h"
 #include "plugin/rig/template.h"
 #include "plugin/rig/type_defaults.h"
@@ -21,7 +23,7 @@ void RebuildTemplate(benchmark::State& state) {
   const TemplateParams params = Params();
   const RigPoints saved = BuildTemplate(RigType::Biped, params, {}, {});
   for (auto _ : state) benchmark::DoNotOptimize(BuildTemplate(RigType::Biped, params, saved, {}));
-  state.counters["points"] = static_cast<double>(saved.size());
+  state.SetLabel(std::to_string(saved.size()) + " points");
 }
 BENCHMARK(RebuildTemplate)->Unit(benchmark::kMicrosecond);
 

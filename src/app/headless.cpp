@@ -26,15 +26,16 @@ void ChooseHeadlessPlatform() {
   setenv("QT_QPA_PLATFORM", "offscreen", 1);
 }
 
-std::unique_ptr<QGuiApplication> MakeDrawingApplication() {
+void StartDrawing() {
+  static QGuiApplication* application = nullptr;
+  if (application) return;
   // Qt keeps references to both for the life of the application object.
   static int count = 1;
   static char name[] = "tavrilon";
   static char* arguments[] = {name, nullptr};
   const QtMessageHandler before = qInstallMessageHandler(PassOtherMessages);
-  auto application = std::make_unique<QGuiApplication>(count, arguments);
+  application = new QGuiApplication(count, arguments);
   qInstallMessageHandler(before);
-  return application;
 }
 
 }  // namespace app

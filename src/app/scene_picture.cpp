@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/scene_picture.h"
 
-#include <QGuiApplication>
 #include <algorithm>
 #include <cstdio>
 
@@ -14,7 +13,7 @@ using namespace corvanta;
 
 namespace {
 
-constexpr int kMaxPixels = 16384;  // on a side: a gigabyte of samples
+constexpr int kMaxPixels = 6000;  // on a side: 36 bytes of samples a pixel make 1.3 gigabytes
 
 // Of the picture's shorter side: two pixels in one of 960. A control must catch the eye before the bones behind it.
 constexpr float kLineShare = 2.0f / 960;
@@ -53,7 +52,7 @@ std::string ReadSize(const std::string& text, PictureOptions& options) {
   const bool read = std::sscanf(text.c_str(), "%5dx%5d%n", &width, &height, &used) == 2;
   if (!read || static_cast<size_t>(used) != text.size() || std::min(width, height) < 1 ||
       std::max(width, height) > kMaxPixels) {
-    return "\"" + text + "\" is no size; give WIDTHxHEIGHT in pixels, from 1x1 to 16384x16384, such as 960x720";
+    return "\"" + text + "\" is no size; give WIDTHxHEIGHT in pixels, from 1x1 to 6000x6000, such as 960x720";
   }
   options.width = width;
   options.height = height;
@@ -61,7 +60,7 @@ std::string ReadSize(const std::string& text, PictureOptions& options) {
 }
 
 std::string WritePicture(const std::string& path, const PictureOptions& options) {
-  const auto application = MakeDrawingApplication();
+  StartDrawing();
   SceneViewOptions view;
   view.time = options.time;
   view.lineWidth = std::max(1.0f, static_cast<float>(std::min(options.width, options.height)) * kLineShare);

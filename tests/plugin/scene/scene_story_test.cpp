@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/scene/scene_story_test.h"
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -8,6 +9,7 @@
 #include "host/core/hold.h"
 #include "host/io/scene_file.h"
 #include "host/scene/core_interface.h"
+#include "plugin/frame/guard.h"
 #include "plugin/scene/edit_picks_test.h"
 #include "plugin/scene/scene_text_test.h"
 
@@ -41,7 +43,15 @@ std::string Compare(const Picture& wanted) {
   for (size_t i = 0; i < wanted.matrices.size(); ++i) {
     if (std::memcmp(&present.matrices[i], &wanted.matrices[i], sizeof(Matrix3)) == 0) continue;
     const Ref<INode>& node = GetScene().Nodes()[i % GetScene().Nodes().size()];
-    return "the matrix of " + Tell(node.Get()) + " differs, its controller is " + Tell(node->GetTMController()) + "\n";
+    std::string text = "the matrix of " + Tell(node.Get()) + " differs, its controllers are";
+    for (Control* control : PartsOf(node.Get()).controls) text += " " + Tell(control) + ",";
+    text += " re-entries " + std::to_string(INode::ReentryCount()) + "+" + std::to_string(GuardCount());
+    // A scene from the file has nothing but what is saved: it tells which of the two was out of date.
+    if (!LoadSceneFromBytes(wanted.bytes).empty()) return text;
+    const Picture fresh = Look();
+    const bool was = std::memcmp(&fresh.matrices[i], &wanted.matrices[i], sizeof(Matrix3)) == 0;
+    const bool is = std::memcmp(&fresh.matrices[i], &present.matrices[i], sizeof(Matrix3)) == 0;
+    return text + (was ? ", now out of date\n" : is ? ", was out of date before\n" : ", neither is what loading gives\n");
   }
   return {};
 }
@@ -217,7 +227,7 @@ class Shrinker {
 
  private:
   bool Try(Story shorter) {
-    if (runs_-- <= 0 || !Tell(shorter, table_)) return false;
+    if (runs_-- <= 0 || std::chrono::steady_clock::now() > end_ || !Tell(shorter, table_)) return false;
     story_ = std::move(shorter);
     again_ = true;
     return true;
@@ -225,14 +235,21 @@ class Shrinker {
   Story story_;
   const std::vector<EditRow>& table_;
   int runs_ = 1500;
+  // A long story takes its time; what is left by then is short enough to read.
+  std::chrono::steady_clock::time_point end_ = std::chrono::steady_clock::now() + std::chrono::seconds(40);
   bool again_ = false;
 };
 
 }  // namespace
 
-Story MakeStory(uint64_t seed, int edits, const std::vector<EditRow>& table) {
+std::vector<int> Lots(const std::vector<EditRow>& table) {
   std::vector<int> lots;
   for (size_t i = 0; i < table.size(); ++i) lots.insert(lots.end(), static_cast<size_t>(table[i].weight), int(i));
+  return lots;
+}
+
+Story MakeStory(uint64_t seed, int edits, const std::vector<EditRow>& table) {
+  const std::vector<int> lots = Lots(table);
   Dice dice(seed);
   Story story;
   while (edits > 0) story.push_back(MakeStep(dice, lots, &edits));

@@ -31,6 +31,9 @@ struct Step {
 
 using Story = std::vector<Step>;
 
+/// Numbers of rows, each as often as its weight.
+std::vector<int> Lots(const std::vector<EditRow>& table);
+
 Story MakeStory(uint64_t seed, int edits, const std::vector<EditRow>& table);
 
 /// Tells the story in a fresh scene. Nothing, or what went wrong, with the step after which it showed.

@@ -5,6 +5,7 @@
 #include "host/anim/list_control.h"
 #include "host/scene/core_interface.h"
 #include "plugin/constraints/parent_constraint.h"
+#include "plugin/constraints/scale_constraint.h"
 #include "plugin/controllers/rig_control.h"
 #include "plugin/scene/edit_picks_test.h"
 
@@ -31,6 +32,18 @@ auto PickFace(Dice& dice, Face face) -> decltype(face(static_cast<Control*>(null
   return nullptr;
 }
 
+/// A scale constraint takes its base when it is first evaluated. In figure mode a rig control asks its parts nothing, so
+/// that it would do so at some later step, of which no undo can know.
+bool WouldWait(Control* made, Animatable* owner) {
+  if (!dynamic_cast<ScaleConstraint*>(made)) return false;
+  for (auto* at = dynamic_cast<ReferenceTarget*>(owner); at;) {
+    if (dynamic_cast<RigControl*>(at)) return true;
+    ReferenceMaker* maker = at->FindDependent([](ReferenceMaker*) { return true; });
+    at = maker ? maker->AsTarget() : nullptr;
+  }
+  return false;
+}
+
 std::string Assign(Dice& dice) {
   INode* node = PickNode(dice);
   if (!node) return {};
@@ -38,7 +51,7 @@ std::string Assign(Dice& dice) {
   // The transform itself is one slot among many, and the one that matters.
   const Slot slot = dice.OneIn(2) ? Slot{node, 0, kMatrixControlSuper} : dice.Pick(parts.slots);
   const Ref<Control> made(MakeController(dice, slot.superClass));
-  if (!made) return {};
+  if (!made || WouldWait(made.Get(), slot.owner)) return {};
   const bool copy = !dice.OneIn(3);
   const bool done =
       copy ? AssignWithCopy(slot.owner, slot.sub, made.Get()) : slot.owner->AssignController(made.Get(), slot.sub);
@@ -160,6 +173,7 @@ std::string ChangeList(Dice& dice) {
   if (!list) return {};
   const int which = dice.Int(5), entry = list->GetListCount() ? dice.Int(list->GetListCount()) : 0;
   const Ref<Control> made(MakeController(dice, of->SuperClassID()));
+  if (WouldWait(made.Get(), of)) return {};
   if (which == 0) list->SetName(entry, Format(L"entry%d", dice.Int(9)));
   if (which == 1) list->SetActive(entry);
   if (which == 2) list->Append(made.Get());

@@ -51,7 +51,9 @@ std::string Compare(const Picture& wanted) {
     const Picture fresh = Look();
     const bool was = std::memcmp(&fresh.matrices[i], &wanted.matrices[i], sizeof(Matrix3)) == 0;
     const bool is = std::memcmp(&fresh.matrices[i], &present.matrices[i], sizeof(Matrix3)) == 0;
-    return text + (was ? ", now out of date\n" : is ? ", was out of date before\n" : ", neither is what loading gives\n");
+    return text + (was  ? ", now out of date\n"
+                   : is ? ", was out of date before\n"
+                        : ", neither is what loading gives\n");
   }
   return {};
 }

@@ -32,8 +32,8 @@ auto PickFace(Dice& dice, Face face) -> decltype(face(static_cast<Control*>(null
   return nullptr;
 }
 
-/// A scale constraint takes its base when it is first evaluated. In figure mode a rig control asks its parts nothing, so
-/// that it would do so at some later step, of which no undo can know.
+/// A scale constraint takes its base when it is first evaluated. In figure mode a rig control asks its parts nothing,
+/// so that it would do so at some later step, of which no undo can know.
 bool WouldWait(Control* made, Animatable* owner) {
   if (!dynamic_cast<ScaleConstraint*>(made)) return false;
   for (auto* at = dynamic_cast<ReferenceTarget*>(owner); at;) {

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cassert>
+#include <memory>
 
+#include "host/core/after_delivery.h"
 #include "host/core/class_desc.h"
 #include "host/core/cust_attrib.h"
 #include "host/core/hold.h"
@@ -22,7 +24,33 @@ const RefNotice* currentNotice = nullptr;
 // A handler may send messages of its own while one is delivered; handlers that answer one another for ever end here.
 constexpr int kMaxNestedSends = 200;
 
+struct Waiting {
+  std::unique_ptr<RefGuard> keep;
+  ReferenceTarget* owner;
+  void (*work)(ReferenceTarget*);
+};
+std::vector<Waiting> waiting;
+bool runningWaiting = false;
+
 }  // namespace
+
+void AfterDelivery(ReferenceTarget* owner, void (*work)(ReferenceTarget* owner)) {
+  if (openSends == 0) return work(owner);
+  waiting.push_back({std::make_unique<RefGuard>(owner), owner, work});
+}
+
+DeliveryScope::DeliveryScope() { ++openSends; }
+// What waits may send messages, after which more may wait.
+DeliveryScope::~DeliveryScope() {
+  if (--openSends > 0 || waiting.empty() || runningWaiting) return;
+  runningWaiting = true;
+  for (size_t i = 0; i < waiting.size(); ++i) {
+    const Waiting next = std::move(waiting[i]);
+    next.work(next.owner);
+  }
+  waiting.clear();
+  runningWaiting = false;
+}
 
 void DisableRefMsgs() { ++messagesOff; }
 void EnableRefMsgs() { messagesOff = std::max(0, messagesOff - 1); }
@@ -202,13 +230,13 @@ void ReferenceTarget::NotifyDependents(const Interval& interval, PartID part, Re
                                        bool propagate, ReferenceTarget* origin, void* option) {
   if (messagesOff > 0 || TestFlag(A_DORMANT) || (dependents_.empty() && monitors_.empty())) return;
   if (openSends >= kMaxNestedSends) return;
-  ++openSends;
+  const DeliveryScope scope;
   Deliver({interval, part, message, superClass, propagate, origin ? origin : this, option, ++lastNotice});
-  --openSends;
 }
 
 void ReferenceTarget::Propagate(RefNotice notice) {
   if (messagesOff > 0 || TestFlag(A_DORMANT)) return;
+  const DeliveryScope scope;
   Deliver(notice);
 }
 
@@ -248,6 +276,7 @@ void ReferenceTarget::Deliver(const RefNotice& notice) {
 void ReferenceTarget::UnlinkDependents() {
   const RefGuard keep(this);
   const RefNotice notice{FOREVER, PART_ALL, REFMSG_TARGET_DELETED, kAnySuper, false, this, nullptr, ++lastNotice};
+  const DeliveryScope scope;
   if (RefMsgsEnabled()) Deliver(notice);
   for (ReferenceMaker* maker : Dependents()) {
     for (int which; (which = maker->FindReference(this)) != kNotFound;) maker->BindReference(which, nullptr, false);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "host/core/after_delivery.h"
 #include "host/core/class_desc.h"
 #include "host/core/notify.h"
 #include "host/core/remap.h"
@@ -141,6 +142,7 @@ void INode::TellDescendants(const RefNotice& notice) {
 }
 
 void INode::InvalidateTM() {
+  const DeliveryScope scope;
   DropMatrices();
   NotifyDependents(FOREVER, PART_TM);
   RefNotice notice;

@@ -104,6 +104,7 @@ class ParentConstraint final : public TargetConstraint {
   uint32_t snapshotStamp_ = 0;
   bool notifyEnabled_ = true;
   bool rebasing_ = false;
+  bool rebaseWaits_ = false;
   bool evaluating_ = false;
 };
 

@@ -3,6 +3,7 @@
 // by the offset of that target, or by the inner controller.
 #include <algorithm>
 
+#include "host/core/after_delivery.h"
 #include "host/scene/core_interface.h"
 #include "plugin/constraints/detail/snapshot_restore.h"
 
@@ -140,8 +141,14 @@ RefResult ParentConstraint::NotifyRefChanged(const Interval&, ReferenceTarget* t
                                              bool) {
   if (!notifyEnabled_) return REF_SUCCEED;
   if (message == REFMSG_BLOCK_QUESTION && target == block_) return REF_STOP;
-  if (message == REFMSG_CHANGE && target != inner_ && (part & (PART_TM | PART_TOPO | PART_GEOM)))
-    Rebase(GetCOREInterface()->GetTime());
+  const bool mayMove = message == REFMSG_CHANGE && target != inner_ && (part & (PART_TM | PART_TOPO | PART_GEOM));
+  if (!mayMove || rebasing_ || rebaseWaits_ || !theHold.Holding()) return REF_SUCCEED;
+  rebaseWaits_ = true;
+  AfterDelivery(this, [](ReferenceTarget* owner) {
+    auto* self = static_cast<ParentConstraint*>(owner);
+    self->rebaseWaits_ = false;
+    self->Rebase(GetCOREInterface()->GetTime());
+  });
   return REF_SUCCEED;
 }
 

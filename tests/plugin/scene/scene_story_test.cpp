@@ -45,7 +45,12 @@ std::string Compare(const Picture& wanted) {
     const Ref<INode>& node = GetScene().Nodes()[i % GetScene().Nodes().size()];
     std::string text = "the matrix of " + Tell(node.Get()) + " differs, its controllers are";
     for (Control* control : PartsOf(node.Get()).controls) text += " " + Tell(control) + ",";
-    text += " re-entries " + std::to_string(INode::ReentryCount()) + "+" + std::to_string(GuardCount());
+    float most = 0;
+    for (int r = 0; r < 4; ++r)
+      for (int c = 0; c < 3; ++c)
+        most = std::max(most, std::abs(present.matrices[i].row[r][c] - wanted.matrices[i].row[r][c]));
+    text += " by up to " + std::to_string(most) + " at place " + std::to_string(i / GetScene().Nodes().size()) +
+            ", re-entries " + std::to_string(INode::ReentryCount()) + "+" + std::to_string(GuardCount());
     // A scene from the file has nothing but what is saved: it tells which of the two was out of date.
     if (!LoadSceneFromBytes(wanted.bytes).empty()) return text;
     const Picture fresh = Look();

@@ -19,6 +19,7 @@ namespace {
 int messagesOff = 0;
 uint32_t lastNotice = 0;
 int openSends = 0;
+int openDeliveries = 0;
 const RefNotice* currentNotice = nullptr;
 
 // A handler may send messages of its own while one is delivered; handlers that answer one another for ever end here.
@@ -35,14 +36,14 @@ bool runningWaiting = false;
 }  // namespace
 
 void AfterDelivery(ReferenceTarget* owner, void (*work)(ReferenceTarget* owner)) {
-  if (openSends == 0) return work(owner);
+  if (openDeliveries == 0) return work(owner);
   waiting.push_back({std::make_unique<RefGuard>(owner), owner, work});
 }
 
-DeliveryScope::DeliveryScope() { ++openSends; }
+DeliveryScope::DeliveryScope() { ++openDeliveries; }
 // What waits may send messages, after which more may wait.
 DeliveryScope::~DeliveryScope() {
-  if (--openSends > 0 || waiting.empty() || runningWaiting) return;
+  if (--openDeliveries > 0 || waiting.empty() || runningWaiting) return;
   runningWaiting = true;
   for (size_t i = 0; i < waiting.size(); ++i) {
     const Waiting next = std::move(waiting[i]);
@@ -231,7 +232,9 @@ void ReferenceTarget::NotifyDependents(const Interval& interval, PartID part, Re
   if (messagesOff > 0 || TestFlag(A_DORMANT) || (dependents_.empty() && monitors_.empty())) return;
   if (openSends >= kMaxNestedSends) return;
   const DeliveryScope scope;
+  ++openSends;
   Deliver({interval, part, message, superClass, propagate, origin ? origin : this, option, ++lastNotice});
+  --openSends;
 }
 
 void ReferenceTarget::Propagate(RefNotice notice) {

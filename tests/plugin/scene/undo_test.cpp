@@ -7,6 +7,7 @@
 
 #include "plugin/constraints/parent_constraint.h"
 #include "plugin/constraints/transform_constraint.h"
+#include "plugin/controllers/static_controls.h"
 #include "plugin/scene/scene_story_test.h"
 #include "plugin/scene/scene_test.h"
 
@@ -44,6 +45,7 @@ class UndoCase : public SceneTest {
 // parent constraint, which looks at the blend on hearing of it, must not make it keep that.
 TEST_F(UndoCase, WhoEvaluatesOnHearingReadsTheWholeChange) {
   INode *driver = MakeNode(), *first = MakeNode(), *second = MakeNode(), *blend = MakeNode(), *follower = MakeNode();
+  driver->SetTMController(new StaticTransform);  // tells of a move with one message
   Follow<TransformConstraint>(first, {driver});
   Follow<TransformConstraint>(second, {driver});
   Follow<TransformConstraint>(blend, {first, second});
@@ -70,6 +72,18 @@ TEST_F(UndoCase, UndoOfATargetBringsTheReferenceBack) {
   follower->GetNodeTM(0);
   ASSERT_TRUE(theHold.Undo());
   EXPECT_EQ(follower->GetNodeTM(0), before);
+}
+
+// An entry whose value is refused is there all the same, as the world: the blend must hear of it.
+TEST_F(UndoCase, AnInsertedEntryOfARefusedValueIsTold) {
+  INode *target = MakeNode(), *follower = MakeNode(), *child = MakeNode();
+  target->SetNodeTM(0, TransMatrix({10, 0, 0}));
+  auto* constraint = Follow<TransformConstraint>(follower, {target});
+  follower->AttachChild(child);
+  EXPECT_EQ(follower->GetNodeTM(0).GetTrans(), (Point3{10, 0, 0}));
+  EXPECT_FALSE(constraint->GetParamBlock()->Insert(kTargetList, 1, TargetValue(follower))) << "it would follow itself";
+  ASSERT_EQ(constraint->GetNumTargets(), 2);
+  EXPECT_LT(follower->GetNodeTM(0).GetTrans().x, 10);
 }
 
 }  // namespace

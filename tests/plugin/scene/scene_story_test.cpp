@@ -13,11 +13,25 @@
 #include "plugin/scene/edit_picks_test.h"
 #include "plugin/scene/scene_text_test.h"
 
+#if defined(__SANITIZE_ADDRESS__)
+#define TAVRILON_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TAVRILON_SANITIZED 1
+#endif
+#endif
+
 namespace tavrilon::scene_tests {
 
 using namespace corvanta;
 
 namespace {
+
+#ifdef TAVRILON_SANITIZED
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
 
 /// A scene of one moment.
 struct Picture {
@@ -279,9 +293,7 @@ std::string CheckStory(uint64_t seed, int edits, const std::vector<EditRow>& tab
 }
 
 int StoryLength(int edits) {
-#if defined(__SANITIZE_ADDRESS__)
-  edits /= 8;
-#endif
+  if (kSanitized) edits /= 8;
   const char* scale = std::getenv("TAVRILON_STORY_SCALE");
   return scale ? static_cast<int>(static_cast<double>(edits) * std::atof(scale)) : edits;
 }

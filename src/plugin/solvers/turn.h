@@ -26,7 +26,8 @@ inline corvanta::Quat TurnBetween(const corvanta::Point3& a, const corvanta::Poi
   const float cosine = Dot(a, b);
   if (cosine < -0.9f) return RotationBetween(a, b);  // the sum cancels: the careful way
   const corvanta::Point3 v = Cross(b, a);
-  return Normalize(corvanta::Quat{v.x, v.y, v.z, 1 + cosine});
+  const float w = 1 + cosine, k = 1 / std::sqrt(LengthSquared(v) + w * w);
+  return {v.x * k, v.y * k, v.z * k, w * k};
 }
 
 /// `QuatFromMatrix(FrameFromVectors(x, u))` for a unit `x`, without a matrix.
@@ -40,7 +41,8 @@ inline corvanta::Quat FrameTurn(const corvanta::Point3& x, const corvanta::Point
   // Half the angle from Y to the side: tan(a / 2) = sin a / (1 + cos a), or (1 - cos a) / sin a behind.
   const corvanta::Quat twist =
       side.y >= 0 ? corvanta::Quat{-side.z, 0, 0, across + side.y} : corvanta::Quat{side.y - across, 0, 0, side.z};
-  return Normalize(twist) * toX;
+  const float k = 1 / std::sqrt(twist.x * twist.x + twist.w * twist.w);
+  return corvanta::Quat{twist.x * k, 0, 0, twist.w * k} * toX;
 }
 
 }  // namespace tavrilon

@@ -39,6 +39,7 @@ corvanta::ReferenceTarget* CreateCurveAttrib(bool loading);
 corvanta::ReferenceTarget* CreateHeadAttrib(bool loading);
 corvanta::ReferenceTarget* CreateFootAttrib(bool loading);
 corvanta::ReferenceTarget* CreateRootAttrib(bool loading);
+corvanta::ReferenceTarget* CreateLinkAttrib(bool loading);
 
 // shapes/
 corvanta::ReferenceTarget* CreateControlShape(bool loading);

@@ -128,7 +128,7 @@ inline constexpr corvanta::ClassDesc kClassTable[kNumClasses] = {
   {L"CurveAttrib", L"CurveAttrib", corvanta::kCustAttribSuper, {0x45596D56, 0x1E848002}, L"", true, CreateCurveAttrib},
   {L"HeadAttrib", L"HeadAttrib", corvanta::kCustAttribSuper, {0x45596D56, 0x1E848003}, L"", true, CreateHeadAttrib},
   {L"FootAttrib", L"FootAttrib", corvanta::kCustAttribSuper, {0x45596D56, 0x1E848004}, L"", true, CreateFootAttrib},
-  {L"LinkAttrib", L"LinkAttrib", corvanta::kCustAttribSuper, {0x45596D56, 0x1E848005}, L"", true, nullptr},
+  {L"LinkAttrib", L"LinkAttrib", corvanta::kCustAttribSuper, {0x45596D56, 0x1E848005}, L"", true, CreateLinkAttrib},
   {L"Float Operation", L"FloatOperation", corvanta::kFloatControlSuper, {0x45596D56, 0x1E847B56}, L"Animation", true, nullptr},
   {L"Float Wave", L"FloatWave", corvanta::kFloatControlSuper, {0x45596D56, 0x1E847B57}, L"Animation", true, nullptr},
   {L"Rig Transform", L"RigTransform", corvanta::kMatrixControlSuper, {0x45596D56, 0x1E847B58}, L"Animation", true, CreateRigControl},

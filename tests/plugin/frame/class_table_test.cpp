@@ -103,7 +103,6 @@ TEST(ClassTable, NotBuiltYet) {
                                             L"IKFKControl",
                                             L"IKFKLink",
                                             L"PoseKit",
-                                            L"LinkAttrib",
                                             L"FloatOperation",
                                             L"FloatWave",
                                             L"PositionConnection",

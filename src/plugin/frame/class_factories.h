@@ -31,6 +31,12 @@ corvanta::ReferenceTarget* CreateParentConstraint(bool loading);
 corvanta::ReferenceTarget* CreateTransformConstraint(bool loading);
 corvanta::ReferenceTarget* CreateScaleConstraint(bool loading);
 
+// solvers/
+corvanta::ReferenceTarget* CreateIKFKChain(bool loading);
+corvanta::ReferenceTarget* CreateIKFKControl(bool loading);
+corvanta::ReferenceTarget* CreateIKFKLink(bool loading);
+corvanta::ReferenceTarget* CreateIKFKDisplayMod(bool loading);
+
 // shapes/
 corvanta::ReferenceTarget* CreateControlShape(bool loading);
 corvanta::ReferenceTarget* CreateControlHelper(bool loading);

@@ -3,6 +3,7 @@
 // ikfk_chain_nodes.cpp, matching in ikfk_match.cpp.
 #include "plugin/solvers/ikfk_chain.h"
 
+#include "host/anim/class_ids.h"
 #include "host/core/remap.h"
 #include "host/scene/core_interface.h"
 #include "plugin/frame/find.h"
@@ -247,13 +248,7 @@ ReferenceTarget* IKFKChain::Clone(RemapDir& remap) {
   return clone;
 }
 
-void IKFKChain::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
-  locked_ = static_cast<IKFKChain&>(source).locked_;
-}
-
-namespace {
-constexpr uint16_t kLockChunk = 9525;
-}
+void IKFKChain::CopyStateFrom(ReferenceTarget& source, RemapDir&) { locked_ = static_cast<IKFKChain&>(source).locked_; }
 
 IOResult IKFKChain::Save(ISave& save) {
   save.BeginChunk(kLockChunk);

@@ -73,8 +73,8 @@ class IKFKChain final : public corvanta::Control,
   void MatchIK(bool toFK) override;
   void MatchManualStretch() override;
   void MatchPreferredRotations() override;
-  /// Makes the rest pose of the joints the one that IK bends from, and puts goal and target on it: run when figure
-  /// mode is left. Undoable.
+  /// Makes the rest pose of the joints the one that IK bends from, and puts goal and target on it. To be called while
+  /// figure mode is still on, right before it is left: the controls then take the writes as their rest. Undoable.
   void RefitRest(corvanta::TimeValue t);
 
   /// Matching as the controls use it while they are written to. No step of its own. Undoable.
@@ -86,7 +86,7 @@ class IKFKChain final : public corvanta::Control,
   /// While on, the chain solves as FK and nothing matches by itself: for code that writes whole poses. Nests by
   /// counter.
   void SuspendMatch(bool on);
-  bool IsMatchSuspended() const { return suspendMatch_ > 0; }
+  bool IsMatchSuspended() const { return suspendMatch_ > 0 || writing_ > 0; }
   Origin NotifyOrigin() const { return notifyOrigin_; }
   /// How often the limb was solved, for tests.
   int SolveCount() const { return solveCount_; }
@@ -156,11 +156,10 @@ class IKFKChain final : public corvanta::Control,
   void Adopt(const Adopted& entry);
   void Release(corvanta::INode* node);
   void CheckGoalParent();
-  void StoreSpaceOffset();
+  void StoreSpaceOffset(corvanta::TimeValue t);
 
   void MoveGoal(corvanta::TimeValue t, const corvanta::Matrix3& end);
-  void MatchBend(corvanta::TimeValue t);
-  float ChainLength() const;
+  void PreferPose(corvanta::TimeValue t, std::vector<JointPose> poses);
 
   // What evaluation reads and keeps comes first.
   corvanta::ParamBlock2* block_ = nullptr;
@@ -178,6 +177,7 @@ class IKFKChain final : public corvanta::Control,
   int solveCount_ = 0;
   std::vector<Adopted> adopted_;
   bool adopting_ = false;
+  int writing_ = 0;
 };
 
 /// The chain on a node's transform; null for null and for other nodes.

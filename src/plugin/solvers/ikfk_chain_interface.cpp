@@ -6,14 +6,13 @@ namespace tavrilon {
 using namespace corvanta;
 
 const FPInterfaceDesc& IIKFKChain::GetDesc() const {
-  static const FPInterfaceDesc desc(
-      kId, L"interface",
-      {{kFK, L"FK", FPType::Void},
-       {kIK, L"IK", FPType::Void},
-       {kMatchFK, L"MatchFK", FPType::Void, {{L"toIK", FPType::Bool, FPValue(false)}}},
-       {kMatchIK, L"MatchIK", FPType::Void, {{L"toFK", FPType::Bool, FPValue(false)}}},
-       {kMatchManualStretch, L"MatchManualStretch", FPType::Void},
-       {kMatchPreferredRotations, L"MatchPreferredRotations", FPType::Void}});
+  static const FPInterfaceDesc desc(kId, L"interface",
+                                    {{kFK, L"FK", FPType::Void},
+                                     {kIK, L"IK", FPType::Void},
+                                     {kMatchFK, L"MatchFK", FPType::Void, {{L"toIK", FPType::Bool, FPValue(false)}}},
+                                     {kMatchIK, L"MatchIK", FPType::Void, {{L"toFK", FPType::Bool, FPValue(false)}}},
+                                     {kMatchManualStretch, L"MatchManualStretch", FPType::Void},
+                                     {kMatchPreferredRotations, L"MatchPreferredRotations", FPType::Void}});
   return desc;
 }
 

@@ -43,9 +43,7 @@ INode* NodeByHandle(AnimHandle handle) {
   return target ? target->AsNode() : nullptr;
 }
 
-bool IsOwnChange() {
-  return !theHold.UndoRunning() && !theHold.RedoRunning() && !GetCOREInterface()->state.loading;
-}
+bool IsOwnChange() { return !theHold.UndoRunning() && !theHold.RedoRunning() && !GetCOREInterface()->state.loading; }
 
 }  // namespace
 
@@ -54,7 +52,7 @@ void IKFKChain::NodesChanged(ParamID id) {
   dirty_ = true;
   if (!block_ || adopting_) return;
   if (!IsOwnChange()) return RememberNodes();
-  if (id == kRotationSpaceNode) return StoreSpaceOffset();
+  if (id == kRotationSpaceNode) return StoreSpaceOffset(GetCOREInterface()->GetTime());
   if (id != kJoints) CheckGoalParent();
   AdoptNodes();
 }
@@ -127,11 +125,9 @@ void IKFKChain::CheckGoalParent() {
 }
 
 // Measured on the chain's parent at rest, so that the pose stays when the space comes into use.
-void IKFKChain::StoreSpaceOffset() {
-  INode* node = NodeOf(kRotationSpaceNode);
-  if (!node) return;
-  const TimeValue now = GetCOREInterface()->GetTime();
-  block_->SetValue(kInitialRotSpaceOffset, 0, GetChainParentTM(now) * Inverse(node->GetNodeTM(now)));
+void IKFKChain::StoreSpaceOffset(TimeValue t) {
+  if (INode* node = NodeOf(kRotationSpaceNode))
+    block_->SetValue(kInitialRotSpaceOffset, 0, GetChainParentTM(t) * Inverse(node->GetNodeTM(t)));
 }
 
 }  // namespace tavrilon

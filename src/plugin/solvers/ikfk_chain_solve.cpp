@@ -7,7 +7,7 @@
 #include "plugin/frame/rig_maths.h"
 #include "plugin/solvers/ikfk_chain.h"
 #include "plugin/solvers/ikfk_control.h"
-#include "plugin/solvers/two_bone.h"
+#include "plugin/solvers/turn.h"
 
 namespace tavrilon {
 
@@ -32,7 +32,7 @@ bool IKFKChain::HasGoalParent() const {
 bool IKFKChain::HasTarget() const { return block_ && block_->GetBool(kUseTarget) && NodeOf(kTarget); }
 
 bool IKFKChain::HasSpace() const {
-  return block_ && block_->GetBool(kUseRotationSpace) && NodeOf(kRotationSpaceNode);
+  return block_ && block_->GetBool(kUseRotationSpace) && NodeOf(kRotationSpaceNode) && !InFigureMode();
 }
 
 bool IKFKChain::InFigureMode() const {

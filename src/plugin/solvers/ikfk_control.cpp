@@ -2,6 +2,7 @@
 // Reading, references and storing. Writing is in ikfk_control_write.cpp, drawing in ikfk_control_display.cpp.
 #include "plugin/solvers/ikfk_control.h"
 
+#include "host/anim/class_ids.h"
 #include "host/core/remap.h"
 #include "host/scene/node.h"
 #include "plugin/frame/find.h"
@@ -120,6 +121,7 @@ void IKFKControl::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetM
 }
 
 void* IKFKControl::GetInterface(uint32_t request) {
+  if (request == EvaluationReads::kRequest) return static_cast<EvaluationReads*>(this);
   if (request == I_LOCKED && fk_)
     if (void* lock = fk_->GetInterface(request)) return lock;
   return CompositeControl::GetInterface(request);
@@ -234,7 +236,6 @@ void IKFKControl::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
 }
 
 IOResult IKFKControl::Load(ILoad& load) {
-  constexpr uint16_t kLockChunk = 9525;
   while (load.OpenChunk() == IOResult::OK) {
     int32_t number = 0;
     if (load.CurChunkID() == kLockChunk && load.Read(number) == IOResult::OK) locked_ = number != 0;

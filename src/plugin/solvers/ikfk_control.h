@@ -6,6 +6,7 @@
 #include "host/anim/composite_control.h"
 #include "host/core/param_block.h"
 #include "plugin/frame/class_table.h"
+#include "plugin/frame/loop_validator.h"
 #include "plugin/solvers/chain_params.h"
 
 namespace tavrilon {
@@ -15,7 +16,7 @@ class IKFKLink;
 
 /// Key operations, lock, and the position, rotation and scale controllers are those of the FK controller. Without a
 /// chain that lists its node the control is its FK controller.
-class IKFKControl final : public corvanta::CompositeControl {
+class IKFKControl final : public corvanta::CompositeControl, public EvaluationReads {
  public:
   enum Reference : int { kBlockRef = 0, kPreferredRef = 1, kFKRef = 2, kLinkRef = 3 };
 
@@ -72,6 +73,8 @@ class IKFKControl final : public corvanta::CompositeControl {
   void GetWorldBoundBox(corvanta::TimeValue t, corvanta::INode* node, corvanta::Box3& box) override;
   using CompositeControl::GetInterface;
   void* GetInterface(uint32_t request) override;
+  /// Only a joint reads the chain: goal, goal parent and target may be followed by what the chain follows.
+  bool ReadsReference(int which) const override { return which != kBlockRef || type_ == ikfk_control::kJoint; }
 
   // References and sub-animatables.
   int NumRefs() const override { return 4; }

@@ -99,9 +99,6 @@ TEST(ClassTable, NotBuiltYet) {
                                             L"UI2DSlider",
                                             L"UISpinner",
                                             L"UI2DSpinner",
-                                            L"IKFKChain",
-                                            L"IKFKControl",
-                                            L"IKFKLink",
                                             L"RotationSpace",
                                             L"PoseKit",
                                             L"LimbAttrib",
@@ -127,7 +124,6 @@ TEST(ClassTable, NotBuiltYet) {
                                             L"PositionLayers",
                                             L"RotationLayers",
                                             L"ScaleLayers",
-                                            L"IKFKDisplayMod",
                                             L"AnimLayersLocalWeights",
                                             L"TavrilonFBXExporter",
                                             L"TavrilonFBXImporter"};

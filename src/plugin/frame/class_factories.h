@@ -31,6 +31,10 @@ corvanta::ReferenceTarget* CreateParentConstraint(bool loading);
 corvanta::ReferenceTarget* CreateTransformConstraint(bool loading);
 corvanta::ReferenceTarget* CreateScaleConstraint(bool loading);
 
+// solvers/
+corvanta::ReferenceTarget* CreateCurveIKChain(bool loading);
+corvanta::ReferenceTarget* CreateCurveIKControl(bool loading);
+
 // shapes/
 corvanta::ReferenceTarget* CreateControlShape(bool loading);
 corvanta::ReferenceTarget* CreateControlHelper(bool loading);

@@ -86,8 +86,6 @@ TEST(ClassTable, NotBuiltYet) {
                                             L"AimConstraint",
                                             L"FloatExposeTM",
                                             L"FloatConnection",
-                                            L"CurveIKControl",
-                                            L"CurveIKChain",
                                             L"UIPanel",
                                             L"UIGroup",
                                             L"UIImage",

@@ -31,6 +31,11 @@ corvanta::ReferenceTarget* CreateParentConstraint(bool loading);
 corvanta::ReferenceTarget* CreateTransformConstraint(bool loading);
 corvanta::ReferenceTarget* CreateScaleConstraint(bool loading);
 
+// connections/
+corvanta::ReferenceTarget* CreateFloatConnection(bool loading);
+corvanta::ReferenceTarget* CreateFloatOperation(bool loading);
+corvanta::ReferenceTarget* CreateFloatExposeTM(bool loading);
+
 // shapes/
 corvanta::ReferenceTarget* CreateControlShape(bool loading);
 corvanta::ReferenceTarget* CreateControlHelper(bool loading);

@@ -103,10 +103,11 @@ class IKFKTest : public RigNodesTest {
     return rig;
   }
 
-  /// Puts the goal somewhere in reach.
+  /// Puts the goal somewhere in reach; that of a single bone, which can only grow, out of reach.
   void MoveGoal(const LimbRig& rig, corvanta::TimeValue t = 0) {
     const corvanta::Point3 root = rig.joints[0]->GetNodeTM(t).GetTrans();
-    const float reach = rig.Length(t) * (0.7f + 0.2f * unit(rng));
+    const float part = rig.joints.size() == 2 ? 1.3f : 0.7f;
+    const float reach = rig.Length(t) * (part + 0.2f * unit(rng));
     corvanta::Matrix3 tm = rig.goal->GetNodeTM(t);
     tm.SetTrans(root + Normalize(Place(1)) * reach);
     rig.goal->SetNodeTM(t, tm);

@@ -41,6 +41,12 @@ corvanta::ReferenceTarget* CreateFootAttrib(bool loading);
 corvanta::ReferenceTarget* CreateRootAttrib(bool loading);
 corvanta::ReferenceTarget* CreateLinkAttrib(bool loading);
 
+// solvers/
+corvanta::ReferenceTarget* CreateIKFKChain(bool loading);
+corvanta::ReferenceTarget* CreateIKFKControl(bool loading);
+corvanta::ReferenceTarget* CreateIKFKLink(bool loading);
+corvanta::ReferenceTarget* CreateIKFKDisplayMod(bool loading);
+
 // shapes/
 corvanta::ReferenceTarget* CreateControlShape(bool loading);
 corvanta::ReferenceTarget* CreateControlHelper(bool loading);

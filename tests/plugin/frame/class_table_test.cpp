@@ -99,9 +99,6 @@ TEST(ClassTable, NotBuiltYet) {
                                             L"UI2DSlider",
                                             L"UISpinner",
                                             L"UI2DSpinner",
-                                            L"IKFKChain",
-                                            L"IKFKControl",
-                                            L"IKFKLink",
                                             L"PoseKit",
                                             L"FloatOperation",
                                             L"FloatWave",
@@ -119,7 +116,6 @@ TEST(ClassTable, NotBuiltYet) {
                                             L"PositionLayers",
                                             L"RotationLayers",
                                             L"ScaleLayers",
-                                            L"IKFKDisplayMod",
                                             L"AnimLayersLocalWeights",
                                             L"TavrilonFBXExporter",
                                             L"TavrilonFBXImporter"};

@@ -25,6 +25,7 @@ inline constexpr Class_ID kScaleListId{kHostClassWord, 3};
 inline constexpr Class_ID kFloatListId{kHostClassWord, 4};
 inline constexpr Class_ID kTransformListId{kHostClassWord, 5};
 inline constexpr Class_ID kTrackCurvesId{kHostClassWord, 6};
+inline constexpr Class_ID kPositionXyzId{kHostClassWord, 7};
 
 /// Chunks of the controllers.
 enum : uint16_t {

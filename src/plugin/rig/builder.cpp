@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "host/core/hold.h"
+#include "host/maths/colour.h"
 #include "host/scene/bone_object.h"
 #include "host/scene/core_interface.h"
 #include "plugin/controllers/rig_control.h"
@@ -139,6 +140,14 @@ void RigBuilder::Build() {
     default:
       break;  // names only: the rig is its main control
   }
+  PlacePanelCursor();
+}
+
+// A figure without legs is short: its standing pickers move up to it.
+void RigBuilder::PlacePanelCursor() {
+  const RigType type = rig_.Type();
+  const bool figure = type == RigType::Biped || type == RigType::Quadruped || type == RigType::Minotaur;
+  if (figure && rig_.Block().GetInt(rig_param::kLegPairs) <= 0) parts_->panel.MoveCursor(0, -194);
 }
 
 void RigBuilder::BuildExtra(const RigExtra& extra, int side) { BuildExtraRow(*parts_, extra, side); }
@@ -189,6 +198,7 @@ void RigBuilder::PairMirrors() {
 void RigBuilder::Finish() {
   if (!state_->main) return;
   FinishRootBone();
+  panel_ = parts_->panel.Finish(*state_, PackColour(rig_.Block().GetColour(rig_param::kColor6)));
   PairMirrors();
   if (INode* node = rig_.ObjectNode()) state_->main->SetNodeTM(0, node->GetNodeTM(0));
   if (RigControl* control = FindNodeRigControl(state_->main)) control->SetFigureMode(false);

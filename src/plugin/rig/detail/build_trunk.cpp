@@ -50,10 +50,12 @@ void BuildSpine(Parts& parts) {
   ControlSpec torso = TrunkControl(parts, L"torso", pelvisTM, state.main, ShapeType::ArrowCross, 0.9f * length);
   torso.mirrorPosAxis = 0;  // a child of main: its parent frame is the world's
   state.torso = parts.make.MakeControl(torso);
+  parts.panel.BodyPicker(state.torso, PickerKind::Torso);
 
   ControlSpec pelvis = TrunkControl(parts, L"pelvis", pelvisTM, state.torso, ShapeType::Peanut, 0.75f * length);
   pelvis.shapeOffset = {-0.15f * length, 0, 0};
   Anchor hips{parts.make.MakeControl(pelvis), nullptr};
+  parts.panel.BodyPicker(hips.control, PickerKind::Pelvis);
   parts.make.BindParent(hips.control, state.torso);
   hips.bone = parts.make.MakeBone({pelvis.name, pelvisTM, state.root, 0.3f * length, true, false, hips.control});
   parts.Leave(pelvisPoint, hips);
@@ -66,6 +68,7 @@ void BuildSpine(Parts& parts) {
     fk.name.index = i;
     fk.shapeOffset = {0.5f * segment, 0, 0};  // clear of torso and pelvis
     last = parts.MakePart(fk, last.bone, segment);
+    parts.panel.BodyPicker(last.control, PickerKind::Spine);
     parts.Leave(parts.Point(point), last);
   }
   state.chest = last.control;
@@ -74,7 +77,9 @@ void BuildSpine(Parts& parts) {
   ControlSpec shoulders =
       TrunkControl(parts, L"shoulders", parts.TM(top), state.chest, ShapeType::ArrowDouble, 0.6f * length);
   shoulders.shapeAxis = 1;  // its arrows point to the sides
-  parts.Leave(parts.Point(top), {parts.make.MakeControl(shoulders), last.bone});
+  const Anchor topPart{parts.make.MakeControl(shoulders), last.bone};
+  parts.panel.BodyPicker(topPart.control, PickerKind::Spine);
+  parts.Leave(parts.Point(top), topPart);
 }
 
 // Limb rigs with a pelvis point and no spine: the point's own control.
@@ -160,6 +165,7 @@ void BuildHead(Parts& parts) {
   if (!state.torso) head.mirrorPosAxis = firstNeck >= 0 ? 2 : 0;
   const Anchor skull = parts.MakePart(head, lastNeck.bone, length);
   state.head = skull.control;
+  parts.panel.BodyPicker(skull.control, PickerKind::Head);
   parts.Leave(headPoint, skull);
 
   const PartName end{L"head_end"};

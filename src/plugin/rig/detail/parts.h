@@ -3,6 +3,7 @@
 #pragma once
 
 #include "plugin/rig/detail/node_factory.h"
+#include "plugin/rig/detail/panel_recorder.h"
 
 namespace tavrilon::detail {
 
@@ -25,7 +26,12 @@ struct RowSpec {
 class Parts {
  public:
   Parts(RigSystem& rig, const PointFrames& frames, BuildState& state)
-      : rig(rig), frames(frames), state(state), make(rig, state), height(rig.Size()) {}
+      : rig(rig),
+        frames(frames),
+        state(state),
+        make(rig, state),
+        height(rig.Size()),
+        panel(rig.Size(), rig.Type() == RigType::Quadruped || rig.Type() == RigType::Centaur) {}
 
   int Point(const PartName& name) const { return frames.Find(name.Base()); }
   bool Has(const PartName& name) const { return Point(name) >= 0; }
@@ -57,6 +63,7 @@ class Parts {
   BuildState& state;
   NodeFactory make;
   float height;
+  PanelRecorder panel;
 };
 
 // Builders of the body parts.

@@ -141,7 +141,8 @@ TEST(EulerControl, OneMessageAWrite) {
   EXPECT_EQ(listener->heard, 2);
 }
 
-// --- position of three tracks -----------------------------------------------------------------------------------------
+// --- position of three tracks
+// -----------------------------------------------------------------------------------------
 
 TEST(PositionXyzControl, TracksMakeThePosition) {
   const Ref<Control> c = Make(kPositionControlSuper, kPositionXyzId);

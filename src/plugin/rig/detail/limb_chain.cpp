@@ -30,7 +30,8 @@ int Limb::Count(ID id) const { return id == kActive ? 0 : std::clamp(parts.rig.B
 
 float Limb::Length() const {
   float sum = 0;
-  for (size_t i = static_cast<size_t>(row.firstJoint) + 1; i < points.size(); ++i) sum += parts.Distance(points[i - 1], points[i]);
+  for (size_t i = static_cast<size_t>(row.firstJoint) + 1; i < points.size(); ++i)
+    sum += parts.Distance(points[i - 1], points[i]);
   return sum;
 }
 

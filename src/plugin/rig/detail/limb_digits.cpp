@@ -80,8 +80,8 @@ void BuildDigits(Limb& limb) {
   if (limb.toe && digits > 0 && end.control) {
     const bool roots = *limb.row.digitRoot && limb.Option(limb.row.digitRoots);
     // With roots every digit makes its own.
-    base = roots ? limb.toe
-                 : ToeBase(limb, limb.FootName(L"_toe_base"), limb.toe->GetNodeTM(0).GetTrans(), end.control);
+    base =
+        roots ? limb.toe : ToeBase(limb, limb.FootName(L"_toe_base"), limb.toe->GetNodeTM(0).GetTrans(), end.control);
   }
   for (int i = 0; i < digits; ++i) BuildDigit(limb, {i, end, base});
 }

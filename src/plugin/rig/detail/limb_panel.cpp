@@ -45,9 +45,8 @@ void RecordSolver(const Limb& limb) {
 
 void RecordFoot(const Limb& limb, INode* control) {
   using namespace foot_attrib;
-  constexpr SpinnerRow kRows[] = {{L"Foot Roll", kFootRoll},     {L"Foot Break", kFootBreak},
-                                  {L"Banking", kBanking},        {L"Heel Pivot", kHeelPivot},
-                                  {L"Ball Pivot", kBallPivot},   {L"Toe Pivot", kToePivot},
+  constexpr SpinnerRow kRows[] = {{L"Foot Roll", kFootRoll},   {L"Foot Break", kFootBreak}, {L"Banking", kBanking},
+                                  {L"Heel Pivot", kHeelPivot}, {L"Ball Pivot", kBallPivot}, {L"Toe Pivot", kToePivot},
                                   {L"Toe Bend", kToeBend}};
   limb.parts.panel.Group(Title(limb, L"Foot"), nullptr, control, limb.footAttrib, kRows);
 }

@@ -38,8 +38,8 @@ Matrix3 PoleTM(const Limb& limb) {
 void BuildGoal(Limb& limb) {
   Parts& parts = limb.parts;
   const bool pivots = limb.HasPivots();
-  const Matrix3 tm = pivots ? parts.frames.GroundTM(limb.points.back(), parts.height)
-                            : parts.TM(limb.Name(limb.row.Last().word));
+  const Matrix3 tm =
+      pivots ? parts.frames.GroundTM(limb.points.back(), parts.height) : parts.TM(limb.Name(limb.row.Last().word));
   ControlSpec spec = limb.Spec(limb.Name(limb.row.goal), tm, parts.state.main);
   spec.rotationOrder = kGoalRotationOrder;
   if (limb.row.foot) {
@@ -133,10 +133,8 @@ struct Wire {
   ParamID attrib;
 };
 constexpr Wire kWires[] = {
-    {ikfk_chain::kIkfkBlend, limb_attrib::kIkfkBlend},
-    {ikfk_chain::kManualStretch, limb_attrib::kManualStretch},
-    {ikfk_chain::kAutoStretch, limb_attrib::kAutoStretch},
-    {ikfk_chain::kRotationSpace, limb_attrib::kRotationSpace},
+    {ikfk_chain::kIkfkBlend, limb_attrib::kIkfkBlend},     {ikfk_chain::kManualStretch, limb_attrib::kManualStretch},
+    {ikfk_chain::kAutoStretch, limb_attrib::kAutoStretch}, {ikfk_chain::kRotationSpace, limb_attrib::kRotationSpace},
     {ikfk_chain::kSoftIk, limb_attrib::kSoftness},
 };
 

@@ -11,6 +11,7 @@
 #include "plugin/controllers/static_controls.h"
 #include "plugin/frame/animation_manager_mod.h"
 #include "plugin/frame/find.h"
+#include "plugin/rig/detail/wiring.h"
 #include "plugin/shapes/control_shape.h"
 
 namespace tavrilon::detail {
@@ -22,12 +23,6 @@ namespace {
 constexpr uint32_t kBoneColour = 0xCAB9AD;
 constexpr uint32_t kHelperColour = 0x808080;
 constexpr uint16_t kAllLocks = 0x1FF;
-
-/// Assigning a transform controller must be undoable, also while the build is not recorded piece by piece.
-void AssignTransform(INode* node, Control* control) {
-  const HoldResume recorded;
-  node->SetTMController(control);
-}
 
 }  // namespace
 
@@ -168,10 +163,15 @@ INode* NodeFactory::MakeHelper(const PartName& name, const Matrix3& tm, INode* p
   return node;
 }
 
-// The blend at rest is then the parent's matrix, and the node's own controller, now the inner one, is untouched. It
-// stays so when main is moved, since offset and target move together.
 void NodeFactory::BindParent(INode* node, INode* target) {
-  if (!node || !target) return;
+  const BindTarget targets[] = {{target, 100.0f}};
+  if (target) BindParent(node, targets);
+}
+
+// The blend at rest is then the parent's matrix, and the node's own controller, now the inner one, is untouched. It
+// stays so when main is moved, since offsets and targets move together.
+ParamBlock2* NodeFactory::BindParent(INode* node, std::span<const BindTarget> targets) {
+  if (!node) return nullptr;
   const Matrix3 parent = node->GetParentTM(0);
   auto* constraint = new ParentConstraint(true);
   constraint->BindReference(0, new ParamBlock2(ParentConstraint::BlockDesc()));
@@ -179,10 +179,13 @@ void NodeFactory::BindParent(INode* node, INode* target) {
   constraint->SetInitialTM(parent);
   ParamBlock2& block = *constraint->GetParamBlock();
   block.SetValue(kRelative, 0, true);
-  block.Append(kWeight, 100.0f);
-  block.Append(kTargetList, target);
-  block.Append(ParentConstraint::kOffset, parent * Inverse(target->GetNodeTM(0)));
+  for (const BindTarget& target : targets) {
+    block.Append(kWeight, target.weight);
+    block.Append(kTargetList, target.node);
+    block.Append(ParentConstraint::kOffset, parent * Inverse(target.node->GetNodeTM(0)));
+  }
   AssignTransform(node, constraint);
+  return &block;
 }
 
 }  // namespace tavrilon::detail

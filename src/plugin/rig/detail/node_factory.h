@@ -5,6 +5,7 @@
 #pragma once
 
 #include <map>
+#include <span>
 #include <vector>
 
 #include "host/scene/scene.h"
@@ -58,6 +59,12 @@ struct BoneSpec {
   INode* follows = nullptr;
 };
 
+/// A node that another follows, and its share in percent.
+struct BindTarget {
+  INode* node;
+  float weight;
+};
+
 /// What one build has made so far. Valid from preparation to finish.
 struct BuildState {
   std::vector<INode*> rightControls, leftControls, controls, bones, helpers;
@@ -91,6 +98,8 @@ class NodeFactory {
 
   /// `node` follows `target` without being its child, and keeps its place.
   void BindParent(INode* node, INode* target);
+  /// The same for a blend of targets. Gives the block of the `ParentConstraint`, with a weight a target.
+  corvanta::ParamBlock2* BindParent(INode* node, std::span<const BindTarget> targets);
 
  private:
   INode* MakeNode(corvanta::Object* object, const wchar_t* kind, const WStr& base);

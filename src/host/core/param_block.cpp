@@ -108,9 +108,8 @@ float ParamBlock2::SlowFloat(ParamID id, int tab, const Cell& cell, TimeValue t,
   return value;
 }
 
-int ParamBlock2::SlowInt(ParamID id, int tab, const Cell& cell, TimeValue t) const {
+int ParamBlock2::SlowInt(ParamID id, int tab, const Cell& cell, TimeValue t, Interval& valid) const {
   const ParamRow& row = *GetParamDef(id);
-  Interval valid = FOREVER;
   if (cell.viaAccessor && row.accessor) {
     FPValue value(cell.i);
     row.accessor->Get(value, owner_, id, tab, t, valid);

@@ -30,6 +30,15 @@ corvanta::ReferenceTarget* CreateRigControl(bool loading);
 corvanta::ReferenceTarget* CreateParentConstraint(bool loading);
 corvanta::ReferenceTarget* CreateTransformConstraint(bool loading);
 corvanta::ReferenceTarget* CreateScaleConstraint(bool loading);
+corvanta::ReferenceTarget* CreateRootConstraint(bool loading);
+corvanta::ReferenceTarget* CreateRotationSpace(bool loading);
+
+// attributes/
+corvanta::ReferenceTarget* CreateLimbAttrib(bool loading);
+corvanta::ReferenceTarget* CreateCurveAttrib(bool loading);
+corvanta::ReferenceTarget* CreateHeadAttrib(bool loading);
+corvanta::ReferenceTarget* CreateFootAttrib(bool loading);
+corvanta::ReferenceTarget* CreateRootAttrib(bool loading);
 
 // shapes/
 corvanta::ReferenceTarget* CreateControlShape(bool loading);

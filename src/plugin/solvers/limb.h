@@ -63,9 +63,8 @@ struct JointPose {
 /// Tables of the many-bone search, kept from solve to solve: only a longer limb than before allocates.
 struct LimbWork {
   struct Joint {
-    corvanta::Quat rot, base;
+    corvanta::Quat base;
     corvanta::Point3 axis;
-    corvanta::Matrix3 tm;
     float angle = 0, saved = 0;
   };
   std::vector<Joint> joints;

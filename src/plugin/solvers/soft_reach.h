@@ -2,22 +2,19 @@
 // Softening: near its full reach a limb approaches the goal ever more slowly instead of snapping straight.
 #pragma once
 
-#include "host/maths/point.h"
-
 namespace tavrilon {
 
-/// `length` is the sum of the bones, `start` the root. Both factors are fractions from 0.
+/// `length` is the sum of the bones, `distance` that from root to goal. Both factors are fractions from 0.
 struct SoftReachIn {
-  corvanta::Point3 start, goal;
+  float distance = 0;
   float length = 0;
   float softness = 0;
   /// Automatic stretch times the blend: how far the limb grows to the goal instead.
   float stretch = 0;
 };
-/// Every bone is to be multiplied by `boneScale`; goal and distance are those to solve for.
+/// Every bone is to be multiplied by `boneScale`; the goal to solve for lies at `distance` in the same direction.
 struct SoftReachOut {
   float boneScale = 1;
-  corvanta::Point3 goal;
   float distance = 0;
 };
 

@@ -567,6 +567,8 @@ void ParamBlock2::MonitoredNotice(RefTargMonitor& monitor, const RefNotice& noti
 }
 
 // Weak links of a clone go to the clone of their target when the target was cloned with it, else to the target itself.
+std::span<const std::byte> ParamBlock2::Cells() const { return std::as_bytes(std::span(cells_)); }
+
 ReferenceTarget* ParamBlock2::Clone(RemapDir& remap) {
   auto* clone = new ParamBlock2(*desc_);
   remap.AddEntry(this, clone);

@@ -144,6 +144,8 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
                              bool propagate) override;
   int FindReference(const ReferenceTarget* target, int from = kCustAttribRef) const override;
   ReferenceTarget* Clone(RemapDir& remap) override;
+  /// The cells. For the `EvaluationState` of controllers that read parameters while they evaluate.
+  std::span<const std::byte> Cells() const;
 
   // What files keep of one entry: see SaveEntry and LoadEntry of the scene file.
   /// Weak slots: the watched target, also one that lives only in undo.

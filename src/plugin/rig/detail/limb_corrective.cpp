@@ -48,7 +48,9 @@ void BuildCorrective(Limb& limb, size_t joint) {
   AddRotationSpace(helper, lower, 0.5f);
   // It hangs on the bone of the segment above.
   INode* bone = joint > 0 ? limb.bones[joint - 1] : limb.hung.bone;
-  limb.parts.make.MakeBone({limb.Name(row.corrective), tm, bone, 0.15f * length, true, false, helper});
+  BoneSpec spec{limb.Name(row.corrective), tm, bone, 0.15f * length};
+  spec.follows = helper;
+  limb.parts.make.MakeBone(spec);
 }
 
 }  // namespace

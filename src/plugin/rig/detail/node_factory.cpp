@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/rig/detail/node_factory.h"
 
+#include <algorithm>
+
 #include "host/core/hold.h"
 #include "host/scene/bone_object.h"
 #include "host/scene/core_interface.h"
@@ -122,8 +124,8 @@ INode* NodeFactory::MakeBone(const BoneSpec& spec) {
   state_.bones.push_back(node);
   ParamBlock2& block = *bone->GetParamBlock();
   block.EnableNotifications(false);
-  block.SetValue(BoneObject::kWidth, 0, 0.0f);
-  block.SetValue(BoneObject::kHeight, 0, 0.0f);
+  block.SetValue(BoneObject::kWidth, 0, spec.width);
+  block.SetValue(BoneObject::kHeight, 0, spec.width);
   block.SetValue(BoneObject::kLength, 0, spec.length);
   block.SetValue(BoneObject::kTaper, 0, spec.taper ? 0.9f : 0.0f);
   for (const ParamID id : {BoneObject::kSideFins, BoneObject::kFrontFin, BoneObject::kBackFin})
@@ -163,15 +165,11 @@ INode* NodeFactory::MakeHelper(const PartName& name, const Matrix3& tm, INode* p
   return node;
 }
 
-void NodeFactory::BindParent(INode* node, INode* target) {
-  const BindTarget targets[] = {{target, 100.0f}};
-  if (target) BindParent(node, targets);
-}
-
 // The blend at rest is then the parent's matrix, and the node's own controller, now the inner one, is untouched. It
 // stays so when main is moved, since offsets and targets move together.
-ParamBlock2* NodeFactory::BindParent(INode* node, std::span<const BindTarget> targets) {
-  if (!node) return nullptr;
+ParamBlock2* NodeFactory::BindParents(INode* node, std::span<const ParentTarget> targets) {
+  const auto missing = [](const ParentTarget& target) { return !target.node; };
+  if (!node || targets.empty() || std::any_of(targets.begin(), targets.end(), missing)) return nullptr;
   const Matrix3 parent = node->GetParentTM(0);
   auto* constraint = new ParentConstraint(true);
   constraint->BindReference(0, new ParamBlock2(ParentConstraint::BlockDesc()));
@@ -179,7 +177,7 @@ ParamBlock2* NodeFactory::BindParent(INode* node, std::span<const BindTarget> ta
   constraint->SetInitialTM(parent);
   ParamBlock2& block = *constraint->GetParamBlock();
   block.SetValue(kRelative, 0, true);
-  for (const BindTarget& target : targets) {
+  for (const ParentTarget& target : targets) {
     block.Append(kWeight, target.weight);
     block.Append(kTargetList, target.node);
     block.Append(ParentConstraint::kOffset, parent * Inverse(target.node->GetNodeTM(0)));

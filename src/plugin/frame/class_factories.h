@@ -40,6 +40,11 @@ corvanta::ReferenceTarget* CreateHeadAttrib(bool loading);
 corvanta::ReferenceTarget* CreateFootAttrib(bool loading);
 corvanta::ReferenceTarget* CreateRootAttrib(bool loading);
 
+// connections/
+corvanta::ReferenceTarget* CreateFloatConnection(bool loading);
+corvanta::ReferenceTarget* CreateFloatOperation(bool loading);
+corvanta::ReferenceTarget* CreateFloatExposeTM(bool loading);
+
 // shapes/
 corvanta::ReferenceTarget* CreateControlShape(bool loading);
 corvanta::ReferenceTarget* CreateControlHelper(bool loading);

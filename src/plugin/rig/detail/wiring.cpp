@@ -35,7 +35,6 @@ ParamBlock2* BlockOf(const ReferenceTarget* object) {
   return object && object->NumRefs() > 0 ? dynamic_cast<ParamBlock2*>(object->GetReference(0)) : nullptr;
 }
 
-// Assigning a transform controller must be undoable, also while the build is not recorded piece by piece.
 void AssignTransform(INode* node, Control* control) {
   const HoldResume recorded;
   node->SetTMController(control);

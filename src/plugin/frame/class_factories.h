@@ -45,6 +45,12 @@ corvanta::ReferenceTarget* CreateFloatConnection(bool loading);
 corvanta::ReferenceTarget* CreateFloatOperation(bool loading);
 corvanta::ReferenceTarget* CreateFloatExposeTM(bool loading);
 
+// solvers/
+corvanta::ReferenceTarget* CreateIKFKChain(bool loading);
+corvanta::ReferenceTarget* CreateIKFKControl(bool loading);
+corvanta::ReferenceTarget* CreateIKFKLink(bool loading);
+corvanta::ReferenceTarget* CreateIKFKDisplayMod(bool loading);
+
 // shapes/
 corvanta::ReferenceTarget* CreateControlShape(bool loading);
 corvanta::ReferenceTarget* CreateControlHelper(bool loading);

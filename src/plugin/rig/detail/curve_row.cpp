@@ -5,6 +5,7 @@
 #include "plugin/attributes/attributes.h"
 #include "plugin/connections/connect.h"
 #include "plugin/solvers/curve_ik_chain.h"
+#include "plugin/solvers/curve_ik_control.h"
 
 namespace tavrilon::detail {
 
@@ -79,11 +80,11 @@ CurveRow MakeCurveRow(Parts& parts, const CurveRowSpec& spec) {
   CurveIKChain* chain = AddChain(parts, spec, row);
   if (!chain) return row;
   for (const CurvePoint& point : spec.points)
-    chain->AddPoint(point.node, point.type, point.inTangent, point.outTangent);
+    chain->AddPoint(point.node, {.type = point.type, .inTangent = point.inTangent, .outTangent = point.outTangent});
   const std::vector<INode*> joints = MakeJoints(parts, spec, row);
   for (INode* joint : joints) row.block->Append(curve_ik_chain::kJoints, joint);
   for (size_t i = 0; i < joints.size(); ++i)
-    if (auto* control = dynamic_cast<CurveIKControl*>(joints[i]->GetTMController()))
+    if (CurveIKControl* control = CurveIKControl::Of(joints[i]))
       control->GetParamBlock()->SetValue(curve_ik_control::kPercent, 0, spec.bones[i].percent);
   chain->ResetLength();
   if (spec.subControls) MakeSubControls(parts, spec, joints, row);

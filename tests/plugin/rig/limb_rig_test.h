@@ -8,6 +8,7 @@
 
 #include "host/core/hold.h"
 #include "host/core/published.h"
+#include "host/io/scene_file.h"
 #include "host/scene/core_interface.h"
 #include "plugin/attributes/attributes.h"
 #include "plugin/controllers/rig_control.h"

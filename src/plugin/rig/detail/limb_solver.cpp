@@ -8,7 +8,8 @@
 #include "plugin/rig/detail/limb.h"
 #include "plugin/rig/detail/wiring.h"
 #include "plugin/shapes/control_params.h"
-#include "plugin/solvers/chain_params.h"
+#include "plugin/solvers/ikfk_chain.h"
+#include "plugin/solvers/ikfk_display_mod.h"
 
 namespace tavrilon::detail {
 
@@ -114,20 +115,6 @@ void AddLinkAttribs(const Limb& limb) {
   AddLinks(limb.pole, poleSpaces);
 }
 
-// A straight limb has no plane to bend in: its middle joint then prefers a bend of five degrees.
-void GuaranteeBend(Limb& limb) {
-  const size_t middle = static_cast<size_t>(limb.row.firstJoint) + 1;
-  if (middle + 2 != limb.controls.size()) return;
-  const Point3 upper = limb.Place(middle) - limb.Place(middle - 1), lower = limb.Place(middle + 1) - limb.Place(middle);
-  if (AngleBetween(upper, lower) >= 0.01745f) return;
-  INode* joint = limb.controls[middle];
-  auto* preferred = static_cast<Control*>(joint->GetTMController()->GetReference(1));
-  if (!preferred) return;
-  const Matrix3 rest = joint->GetNodeTM(0) * Inverse(joint->GetParentTM(0));
-  Quat bent = OrthoQuat(RotateZMatrix(-0.0872665f) * rest);
-  preferred->SetValue(0, bent, true, CTRL_ABSOLUTE);
-}
-
 struct Wire {
   ParamID chain;
   ParamID attrib;
@@ -175,8 +162,7 @@ void FillChain(const Limb& limb, ParamBlock2& chain) {
 }
 
 void AddDisplay(INode* node) {
-  auto* fade = dynamic_cast<Modifier*>(NewObject(TavrilonClass::IKFKDisplayMod));
-  if (fade && node) node->AddModifier(fade);
+  if (node) node->AddModifier(new IKFKDisplayMod);
 }
 
 }  // namespace
@@ -195,13 +181,12 @@ void BuildLimbSolver(Limb& limb) {
 void ConnectLimbSolver(Limb& limb) {
   if (!limb.goal || !limb.pole || !limb.chain || !limb.attrib) return;
   const HoldResume recorded;
-  Control* solver = NewControl(TavrilonClass::IKFKChain);
-  ParamBlock2* block = BlockOf(solver);
-  if (!block) return;
+  auto* solver = new IKFKChain;
+  ParamBlock2& block = *solver->GetParamBlock();
   limb.chain->SetTMController(solver);
-  FillChain(limb, *block);
-  GuaranteeBend(limb);
-  WireAttrib(limb, *block);
+  FillChain(limb, block);
+  solver->GuaranteeBend(0);
+  WireAttrib(limb, block);
   using namespace limb_attrib;
   SetNode(*limb.attrib, kChainNode, limb.chain);
   limb.attrib->SetValue(kSquashActive, 0, !limb.twists.empty());

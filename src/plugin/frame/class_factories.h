@@ -51,6 +51,10 @@ corvanta::ReferenceTarget* CreateIKFKControl(bool loading);
 corvanta::ReferenceTarget* CreateIKFKLink(bool loading);
 corvanta::ReferenceTarget* CreateIKFKDisplayMod(bool loading);
 
+// solvers/
+corvanta::ReferenceTarget* CreateCurveIKChain(bool loading);
+corvanta::ReferenceTarget* CreateCurveIKControl(bool loading);
+
 // shapes/
 corvanta::ReferenceTarget* CreateControlShape(bool loading);
 corvanta::ReferenceTarget* CreateControlHelper(bool loading);

@@ -84,8 +84,6 @@ TEST(ClassTable, NotBuiltYet) {
   const std::set<std::wstring> kNotBuilt = {L"MsgChecker",
                                             L"StretchConstraint",
                                             L"AimConstraint",
-                                            L"CurveIKControl",
-                                            L"CurveIKChain",
                                             L"UIPanel",
                                             L"UIGroup",
                                             L"UIImage",

@@ -81,6 +81,7 @@ void RefitBelow(Animatable* track, TimeValue t, int depth) {
 
 void RigControl::SetFigureMode(bool on) {
   if (!block_) return;
+  const HoldScope hold(L"Figure Mode");
   const std::vector<INode*> nodes = RigNodes(FindOwnerNode(this));
   if (figureMode_ && !on) {
     const MirrorPairOff everyNodeByItself;

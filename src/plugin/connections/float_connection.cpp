@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/connections/float_connection.h"
 
+#include "host/anim/curve_control.h"
 #include "plugin/frame/guard.h"
 
 namespace tavrilon {
@@ -30,6 +31,15 @@ constexpr ParamRow kRows[] = {
 };
 // clang-format on
 constexpr ConnectionRows kShared{kUseTimeOffset, kTimeOffset, kTrackOwner, float_connection::kConstant};
+
+// A curve without points leaves x, as no curve does.
+CurveSample FirstCurve(const ReferenceTarget* target) {
+  const CurveControl* control = AsCurveControl(target);
+  const PointCurve* curve = control ? control->GetCurve(0) : nullptr;
+  if (!curve || curve->points.empty()) return {};
+  const auto at = [](const void* points, float x) { return ValueAt(*static_cast<const PointCurve*>(points), x); };
+  return {at, curve, curve->FirstX(), curve->LastX()};
+}
 
 const FPInterfaceDesc& PublishedDesc() {
   static const FPInterfaceDesc desc = ConnectionInterface(TavrilonClass::FloatConnection);
@@ -72,6 +82,8 @@ FloatTransform FloatConnection::Transform(TimeValue t, Interval& valid) const {
     f.inputMax = Param(kInputMax, t, valid);
     f.outputMin = Param(kOutputMin, t, valid);
     f.outputMax = Param(kOutputMax, t, valid);
+  } else if (f.kind == kCurve) {
+    f.curve = FirstCurve(block_->GetReferenceTarget(kCurveCtrl));
   }
   return f;
 }

@@ -18,15 +18,6 @@ struct MissingRow {
 };
 
 const MissingRow kMissing[] = {
-    {kIkfkSolvers, kArmPairs, L"ikfk_solvers: arms and front legs are built in FK; IK/FK solvers are not built yet"},
-    {kIkfkSolvers, kLegPairs, L"ikfk_solvers: legs are built in FK; IK/FK solvers are not built yet"},
-    {kReverseFoot, kReverseFoot, L"reverse_foot: foot pivots need the IK/FK solver, which is not built yet"},
-    {kUpperArmTwistBones, kArmPairs, L"upper_arm_twist_bones: one bone a segment; twist chains are not built yet"},
-    {kForearmTwistBones, kArmPairs, L"forearm_twist_bones: one bone a segment; twist chains are not built yet"},
-    {kThighTwistBones, kLegPairs, L"thigh_twist_bones: one bone a segment; twist chains are not built yet"},
-    {kCalfTwistBones, kLegPairs, L"calf_twist_bones: one bone a segment; twist chains are not built yet"},
-    {kBendyControls, -1, L"bendy_controls: bendy limbs need curve solvers, which are not built yet"},
-    {kCorrectiveBones, -1, L"corrective_bones: corrective helpers are not built yet"},
     {kFace, kFace, L"face: the face rig is not built yet"},
 };
 

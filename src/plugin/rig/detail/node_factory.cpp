@@ -13,6 +13,7 @@
 #include "plugin/controllers/static_controls.h"
 #include "plugin/frame/animation_manager_mod.h"
 #include "plugin/frame/find.h"
+#include "plugin/rig/detail/wiring.h"
 #include "plugin/shapes/control_shape.h"
 
 namespace tavrilon::detail {
@@ -24,12 +25,6 @@ namespace {
 constexpr uint32_t kBoneColour = 0xCAB9AD;
 constexpr uint32_t kHelperColour = 0x808080;
 constexpr uint16_t kAllLocks = 0x1FF;
-
-/// Assigning a transform controller must be undoable, also while the build is not recorded piece by piece.
-void AssignTransform(INode* node, Control* control) {
-  const HoldResume recorded;
-  node->SetTMController(control);
-}
 
 }  // namespace
 

@@ -40,9 +40,8 @@ class EvaluationWalk {
       if (node->GetParentNode() && !node->GetParentNode()->IsRootNode()) Visit(node->GetParentNode());
       return;
     }
-    const auto* reads = static_cast<const EvaluationReads*>(target->GetInterface(EvaluationReads::kRequest));
     for (int i = 0; i < target->NumRefs(); ++i)
-      if (!reads || reads->ReadsReference(i)) Visit(target->GetReference(i));
+      if (target->ReadsReference(i)) Visit(target->GetReference(i));
     if (target->SuperClassID() == kParamBlockSuper) VisitWeakSlots(static_cast<ParamBlock2&>(*target));
   }
   void VisitWeakSlots(const ParamBlock2& block) {

@@ -135,6 +135,7 @@ BuildReport Describe(const BuildOptions& options, const RigDraft& rig) {
   report.height = rig.Height();
   for (const Ref<INode>& node : GetScene().Nodes()) ++report.counts[static_cast<int>(KindOf(*node))];
   report.notes = rig.Notes();
+  report.panel = rig.PanelParts();
   report.unknownPoints = rig.UnknownPoints();
   report.templateFile = options.rigTemplate;
   return report;

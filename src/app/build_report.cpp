@@ -42,9 +42,13 @@ void PrintReport(const BuildReport& report) {
 }
 
 void PrintReportAsJson(const BuildReport& report) {
-  QJsonObject json{{"type", QString::fromStdString(report.type)},    {"name", QString::fromStdString(report.name)},
-                   {"height", static_cast<double>(report.height)},   {"notes", ToJson(report.notes)},
-                   {"unknown_points", ToJson(report.unknownPoints)}, {"files", ToJson(report.files)}};
+  QJsonObject json{{"type", QString::fromStdString(report.type)},
+                   {"name", QString::fromStdString(report.name)},
+                   {"height", static_cast<double>(report.height)},
+                   {"notes", ToJson(report.notes)},
+                   {"unknown_points", ToJson(report.unknownPoints)},
+                   {"files", ToJson(report.files)},
+                   {"panel", ToJson(report.panel)}};
   for (NodeKind kind : kCounted) json[KindName(kind)] = CountOf(report, kind);
   if (report.restControls >= 0) json["rest_pose"] = QJsonObject{{"ok", true}, {"controls", report.restControls}};
   std::fputs(QJsonDocument(json).toJson().constData(), stdout);

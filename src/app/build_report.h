@@ -16,6 +16,8 @@ struct BuildReport {
   int counts[kNodeKinds] = {};
   /// Remarks of the build: what the parameters ask for and this build does not make.
   std::vector<std::string> notes;
+  /// What the picker panel shows, one line each.
+  std::vector<std::string> panel;
   /// Points of the loaded template that the rig does not have.
   std::vector<std::string> unknownPoints;
   std::string templateFile;

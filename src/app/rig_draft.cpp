@@ -173,6 +173,7 @@ float RigDraft::Height() const {
 }
 
 std::vector<std::string> RigDraft::Notes() const { return Texts(GetProperty(*interface_, L"build_notes")); }
+std::vector<std::string> RigDraft::PanelParts() const { return Texts(GetProperty(*interface_, L"panel_parts")); }
 std::vector<std::string> RigDraft::UnknownPoints() const { return Texts(GetProperty(*interface_, L"unknown_points")); }
 
 }  // namespace app

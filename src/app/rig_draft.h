@@ -46,6 +46,8 @@ class RigDraft {
   float Height() const;
   /// Remarks of the build; empty before it.
   std::vector<std::string> Notes() const;
+  /// The parts of the picker panel, one line each.
+  std::vector<std::string> PanelParts() const;
   /// Points of the loaded template that this rig does not have.
   std::vector<std::string> UnknownPoints() const;
 

@@ -74,24 +74,32 @@ int SegmentAt(const std::vector<Key>& keys, TimeValue t, int& hint) {
   return hint = static_cast<int>(after - keys.begin()) - 1;
 }
 
+template <class Key>
+typename KeyKind<Key>::Value AtHead(const Playhead<Key>& head, TimeValue t, Interval& valid) {
+  valid &= Interval::Instant(t);
+  return SegmentValue(head.segment, static_cast<float>(static_cast<int64_t>(t) - head.start) / head.length);
+}
+
 // Between the first and the last key, both included.
 template <class Key>
-typename KeyKind<Key>::Value InRange(const KeyCurve<Key>& curve, TimeValue t, Interval& valid, int& hint) {
+typename KeyKind<Key>::Value InRange(const KeyCurve<Key>& curve, TimeValue t, Interval& valid, Playhead<Key>& head) {
   const auto& keys = curve.keys;
   if (t >= keys.back().time) {
     valid &= Interval::Instant(t);
     return ValueOf(keys.back());
   }
-  const int i = SegmentAt(keys, t, hint);
+  const int i = SegmentAt(keys, t, head.index);
   const auto& segment = curve.segments[i];
   const TimeValue start = keys[i].time, end = keys[i + 1].time;
   if (segment.kind != SegmentKind::Moving) {
     valid &= {start, segment.kind == SegmentKind::Held ? end - 1 : end};
     return ValueOf(keys[i]);
   }
-  valid &= Interval::Instant(t);
-  const auto elapsed = static_cast<float>(static_cast<int64_t>(t) - start);
-  return SegmentValue(segment, elapsed / static_cast<float>(static_cast<int64_t>(end) - start));
+  head.start = start;
+  head.end = end;
+  head.length = static_cast<float>(static_cast<int64_t>(end) - start);
+  head.segment = segment;
+  return AtHead(head, t, valid);
 }
 
 // Cycle number and time inside it; cycles before the first key are negative.
@@ -120,7 +128,8 @@ Value BlendLoop(const KeyCurve<Key>& curve, const Value& v, int64_t offset, bool
 }
 
 template <class Key>
-typename KeyKind<Key>::Value OutsideRange(const KeyCurve<Key>& curve, TimeValue t, Interval& valid, int& hint) {
+typename KeyKind<Key>::Value OutsideRange(const KeyCurve<Key>& curve, TimeValue t, Interval& valid,
+                                          Playhead<Key>& head) {
   const auto& keys = curve.keys;
   const bool after = t > keys.back().time;
   const ORT type = after ? curve.after : curve.before;
@@ -140,7 +149,7 @@ typename KeyKind<Key>::Value OutsideRange(const KeyCurve<Key>& curve, TimeValue 
   const Cycle cycle = CycleAt(t - first, length);
   const auto at = [&](int64_t offset) {
     Interval ignored = FOREVER;
-    return InRange(curve, static_cast<TimeValue>(first + offset), ignored, hint);
+    return InRange(curve, static_cast<TimeValue>(first + offset), ignored, head);
   };
   valid &= Interval::Instant(t);
   switch (type) {
@@ -179,20 +188,21 @@ void KeyCurve<Key>::Update() {
 }
 
 template <class Key>
-typename KeyKind<Key>::Value Evaluate(const KeyCurve<Key>& curve, TimeValue t, Interval& valid, int& hint) {
+typename KeyKind<Key>::Value Evaluate(const KeyCurve<Key>& curve, TimeValue t, Interval& valid, Playhead<Key>& head) {
+  if (t >= head.start && t < head.end) return AtHead(head, t, valid);
   const auto& keys = curve.keys;
   if (keys.size() < 2) return keys.empty() ? typename KeyKind<Key>::Value{} : ValueOf(keys[0]);
   if (t < keys.front().time) {
-    if (curve.before != ORT::Constant) return OutsideRange(curve, t, valid, hint);
+    if (curve.before != ORT::Constant) return OutsideRange(curve, t, valid, head);
     valid &= {kTimeMin, keys.front().time};
     return ValueOf(keys.front());
   }
   if (t >= keys.back().time) {
-    if (curve.after != ORT::Constant && t > keys.back().time) return OutsideRange(curve, t, valid, hint);
+    if (curve.after != ORT::Constant && t > keys.back().time) return OutsideRange(curve, t, valid, head);
     valid &= curve.after == ORT::Constant ? Interval{keys.back().time, kTimeMax} : Interval::Instant(t);
     return ValueOf(keys.back());
   }
-  return InRange(curve, t, valid, hint);
+  return InRange(curve, t, valid, head);
 }
 
 float Difference(float a, float b) { return std::abs(a - b); }
@@ -223,13 +233,13 @@ template struct KeyCurve<ITCBFloatKey>;
 template struct KeyCurve<ITCBPoint3Key>;
 template struct KeyCurve<ITCBRotKey>;
 template struct KeyCurve<ITCBScaleKey>;
-template float Evaluate(const KeyCurve<IBezFloatKey>&, TimeValue, Interval&, int&);
-template Point3 Evaluate(const KeyCurve<IBezPoint3Key>&, TimeValue, Interval&, int&);
-template Point4 Evaluate(const KeyCurve<IBezPoint4Key>&, TimeValue, Interval&, int&);
-template ScaleValue Evaluate(const KeyCurve<IBezScaleKey>&, TimeValue, Interval&, int&);
-template float Evaluate(const KeyCurve<ITCBFloatKey>&, TimeValue, Interval&, int&);
-template Point3 Evaluate(const KeyCurve<ITCBPoint3Key>&, TimeValue, Interval&, int&);
-template Quat Evaluate(const KeyCurve<ITCBRotKey>&, TimeValue, Interval&, int&);
-template ScaleValue Evaluate(const KeyCurve<ITCBScaleKey>&, TimeValue, Interval&, int&);
+template float Evaluate(const KeyCurve<IBezFloatKey>&, TimeValue, Interval&, Playhead<IBezFloatKey>&);
+template Point3 Evaluate(const KeyCurve<IBezPoint3Key>&, TimeValue, Interval&, Playhead<IBezPoint3Key>&);
+template Point4 Evaluate(const KeyCurve<IBezPoint4Key>&, TimeValue, Interval&, Playhead<IBezPoint4Key>&);
+template ScaleValue Evaluate(const KeyCurve<IBezScaleKey>&, TimeValue, Interval&, Playhead<IBezScaleKey>&);
+template float Evaluate(const KeyCurve<ITCBFloatKey>&, TimeValue, Interval&, Playhead<ITCBFloatKey>&);
+template Point3 Evaluate(const KeyCurve<ITCBPoint3Key>&, TimeValue, Interval&, Playhead<ITCBPoint3Key>&);
+template Quat Evaluate(const KeyCurve<ITCBRotKey>&, TimeValue, Interval&, Playhead<ITCBRotKey>&);
+template ScaleValue Evaluate(const KeyCurve<ITCBScaleKey>&, TimeValue, Interval&, Playhead<ITCBScaleKey>&);
 
 }  // namespace corvanta

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Curves through keys: plain data and pure functions, without a scene. `Update` turns the keys into polynomial
-// segments once a change; evaluation then finds its segment by a hint, works out a cubic and allocates nothing.
+// segments once a change; evaluation then works out the cubic under the playhead and allocates nothing.
 #pragma once
 
 #include <vector>
@@ -72,15 +72,26 @@ struct KeyCurve {
   void Update();
 };
 
+/// Where a curve was evaluated last: while the time stays between the same two keys, their segment lies here and the
+/// keys are not looked at. Belongs to one curve; to be reset when that changes.
+template <class Key>
+struct Playhead {
+  /// Of the segment, empty while there is none. It is a moving one.
+  TimeValue start = 0, end = 0;
+  float length = 0;
+  int index = 0;
+  typename KeyKind<Key>::Segment segment{};
+};
+
 /// Sorts by time; of equal times the key that stood later stays.
 template <class Key>
 void SortKeys(std::vector<Key>& keys);
 
 /// The value of an updated curve at `t`. `valid` is narrowed to where the value holds: not at all without keys or
-/// with one, to the stretch between keys where the curve is stepped or flat, else to the instant. `hint` is any
-/// number, and speeds up the next call near the same time. Without keys the value is the kind's neutral one.
+/// with one, to the stretch between keys where the curve is stepped or flat, else to the instant. Without keys
+/// the value is the kind's neutral one.
 template <class Key>
-typename KeyKind<Key>::Value Evaluate(const KeyCurve<Key>& curve, TimeValue t, Interval& valid, int& hint);
+typename KeyKind<Key>::Value Evaluate(const KeyCurve<Key>& curve, TimeValue t, Interval& valid, Playhead<Key>& head);
 
 /// The value that a key stands for.
 inline float ValueOf(const IBezFloatKey& key) { return key.value; }

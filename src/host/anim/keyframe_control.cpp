@@ -75,6 +75,7 @@ template <class Key>
 KeyCurve<Key>& KeyframeControl<Key>::Curve() const {
   if (stale_) {
     curve_.Update();
+    head_ = {};
     stale_ = recordsOpen_ = false;
   }
   return curve_;
@@ -91,7 +92,7 @@ const KeyCurve<Key>& KeyframeControl<Key>::Records() const {
 template <class Key>
 auto KeyframeControl<Key>::LocalValue(TimeValue t, Interval& valid) const -> Value {
   if (curve_.keys.empty()) return constant_;
-  return Evaluate(Curve(), t, valid, hint_);
+  return Evaluate(Curve(), t, valid, head_);
 }
 
 template <class Key>
@@ -440,6 +441,7 @@ template <class Key>
 void KeyframeControl<Key>::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   auto& from = static_cast<KeyframeControl&>(source);
   curve_ = from.Curve();
+  head_ = {};
   constant_ = from.constant_;
   locked_ = from.locked_;
   stale_ = false;

@@ -115,10 +115,10 @@ class KeyframeControl final : public Control,
   // What evaluation reads comes first.
   mutable Interval cachedValid_ = NEVER;
   mutable Value cached_{};
+  mutable Playhead<Key> head_;
   TrackCurves* curves_ = nullptr;
   mutable bool stale_ = false;
   mutable bool recordsOpen_ = false;
-  mutable int hint_ = 0;
   mutable KeyCurve<Key> curve_;
   Value constant_{};
   const KeyframeClass& row_;

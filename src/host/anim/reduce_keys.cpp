@@ -22,13 +22,13 @@ bool CanGo(const std::vector<Key>& keys, int i, const KeyCurve<Key>& before, flo
   part.keys.erase(part.keys.begin() + (i - lo));
   part.Update();
   const int64_t from = keys[std::max(i - kReach, 0)].time, to = keys[std::min(i + kReach, count - 1)].time;
-  int hint = 0, hintBefore = 0;
+  Playhead<Key> head, headBefore;
   const int64_t first = origin + (from - origin) / step * step;
   for (int64_t t = first; t <= to; t += step) {
     if (t < from) continue;
     Interval ignored = FOREVER;
     const auto time = static_cast<TimeValue>(t);
-    if (!(Difference(Evaluate(part, time, ignored, hint), Evaluate(before, time, ignored, hintBefore)) <= threshold))
+    if (!(Difference(Evaluate(part, time, ignored, head), Evaluate(before, time, ignored, headBefore)) <= threshold))
       return false;
   }
   return true;

@@ -108,9 +108,8 @@ float ParamBlock2::SlowFloat(ParamID id, int tab, const Cell& cell, TimeValue t,
   return value;
 }
 
-int ParamBlock2::SlowInt(ParamID id, int tab, const Cell& cell, TimeValue t) const {
+int ParamBlock2::SlowInt(ParamID id, int tab, const Cell& cell, TimeValue t, Interval& valid) const {
   const ParamRow& row = *GetParamDef(id);
-  Interval valid = FOREVER;
   if (cell.viaAccessor && row.accessor) {
     FPValue value(cell.i);
     row.accessor->Get(value, owner_, id, tab, t, valid);
@@ -568,6 +567,8 @@ void ParamBlock2::MonitoredNotice(RefTargMonitor& monitor, const RefNotice& noti
 }
 
 // Weak links of a clone go to the clone of their target when the target was cloned with it, else to the target itself.
+std::span<const std::byte> ParamBlock2::Cells() const { return std::as_bytes(std::span(cells_)); }
+
 ReferenceTarget* ParamBlock2::Clone(RemapDir& remap) {
   auto* clone = new ParamBlock2(*desc_);
   remap.AddEntry(this, clone);

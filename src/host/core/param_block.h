@@ -55,12 +55,17 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
     return SlowFloat(id, tab, *cell, t, valid);
   }
   int GetInt(ParamID id, TimeValue t = 0, int tab = 0) const {
+    Interval ignored = FOREVER;
+    return GetInt(id, t, ignored, tab);
+  }
+  int GetInt(ParamID id, TimeValue t, Interval& valid, int tab = 0) const {
     const Cell* cell = Find(id, tab);
     if (!cell) return 0;
     if (!cell->control && !cell->viaAccessor) return cell->i;
-    return SlowInt(id, tab, *cell, t);
+    return SlowInt(id, tab, *cell, t, valid);
   }
   bool GetBool(ParamID id, TimeValue t = 0, int tab = 0) const { return GetInt(id, t, tab) != 0; }
+  bool GetBool(ParamID id, TimeValue t, Interval& valid, int tab = 0) const { return GetInt(id, t, valid, tab) != 0; }
   TimeValue GetTime(ParamID id, TimeValue t = 0, int tab = 0) const { return GetInt(id, t, tab); }
   Point3 GetPoint3(ParamID id, TimeValue t = 0, int tab = 0) const;
   Point3 GetPoint3(ParamID id, TimeValue t, Interval& valid, int tab = 0) const;
@@ -139,6 +144,8 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
                              bool propagate) override;
   int FindReference(const ReferenceTarget* target, int from = kCustAttribRef) const override;
   ReferenceTarget* Clone(RemapDir& remap) override;
+  /// The cells. For the `EvaluationState` of controllers that read parameters while they evaluate.
+  std::span<const std::byte> Cells() const;
 
   // What files keep of one entry: see SaveEntry and LoadEntry of the scene file.
   /// Weak slots: the watched target, also one that lives only in undo.
@@ -194,7 +201,7 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   Cell* FindForWrite(ParamID id, int tab) { return const_cast<Cell*>(std::as_const(*this).Find(id, tab)); }
   const Cell* TabCell(int index, int tab) const;
   float SlowFloat(ParamID id, int tab, const Cell& cell, TimeValue t, Interval& valid) const;
-  int SlowInt(ParamID id, int tab, const Cell& cell, TimeValue t) const;
+  int SlowInt(ParamID id, int tab, const Cell& cell, TimeValue t, Interval& valid) const;
   const ParamRow& Row(int index) const { return desc_->rows[index]; }
 
   void InitCell(const ParamRow& row, Cell& cell, int index, int tab);

@@ -142,7 +142,14 @@ ReferenceTarget::~ReferenceTarget() {
   for (RefTargMonitor* monitor : monitors_) monitor->target_ = nullptr;
 }
 
+namespace {
+uint64_t linkStamp = 0;
+}
+
+uint64_t ReferenceTarget::LinkStamp() { return linkStamp; }
+
 void ReferenceTarget::AddDependent(ReferenceMaker* maker) {
+  ++linkStamp;
   ClearFlag(A_DORMANT);
   everOwned_ = true;
   const auto found =
@@ -156,6 +163,7 @@ void ReferenceTarget::AddDependent(ReferenceMaker* maker) {
 }
 
 void ReferenceTarget::DropDependent(ReferenceMaker* maker, bool deleteIfLast) {
+  ++linkStamp;
   const auto found =
       std::find_if(dependents_.begin(), dependents_.end(), [maker](const Dependent& d) { return d.maker == maker; });
   if (found == dependents_.end() || --found->count > 0) return;

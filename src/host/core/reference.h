@@ -4,8 +4,10 @@
 // its dependents, each link once a send.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
+#include <span>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -63,6 +65,9 @@ class ReferenceMaker : public Animatable {
   /// `i` may exceed the live count while loading.
   virtual void SetIndirectRef(int i, ReferenceTarget* target) {}
 
+  /// What evaluation reads of this object outside the object itself, such as tables: to be fetched ahead of time.
+  virtual std::span<const std::byte> EvaluationState() const { return {}; }
+
   /// Drops every reference. Called before destruction while the virtual calls still work.
   void DeleteAllRefs();
 
@@ -111,6 +116,8 @@ class ReferenceTarget : public ReferenceMaker {
   void Propagate(RefNotice notice);
   /// The number of a message that the caller propagates by itself.
   static uint32_t NewNoticeNumber();
+  /// Changes whenever any object of the process binds or drops a reference.
+  static uint64_t LinkStamp();
   /// The message that is being delivered, null outside of a delivery.
   static const RefNotice* CurrentNotice();
 

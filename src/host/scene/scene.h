@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "host/core/tab.h"
+#include "host/scene/evaluation_plan.h"
 #include "host/scene/node.h"
 
 namespace corvanta {
@@ -125,6 +126,9 @@ class Scene {
 
   TimeConfig time;
 
+  /// Brings every node's matrix to `t`: the way to evaluate a whole scene, many figures above all.
+  void Evaluate(TimeValue t) { plan_.Evaluate(*this, t); }
+
   // For loading: no undo, no messages.
   /// A bare node under the root, with this handle or, when it is 0 or taken, a new one.
   INode* LoadNode(uint32_t handle);
@@ -148,6 +152,7 @@ class Scene {
   std::vector<Ref<INode>> nodes_;
   std::vector<INode*> selection_;
   std::vector<Ref<SceneLayer>> layers_;
+  EvaluationPlan plan_;
   std::unordered_map<uint32_t, INode*> byHandle_;
   std::unordered_map<WStr, int> lastNumber_;
   uint32_t nextHandle_ = 1;

@@ -90,6 +90,7 @@ void DisplayNode(GraphicsWindow& window, INode& node, TimeValue t, float lineWid
 
 void DisplayScene(GraphicsWindow& window, Scene& scene, const SceneViewOptions& options) {
   if (options.grid) DrawGrid(window);
+  scene.Evaluate(options.time);
   for (bool selected : {false, true})
     for (const Ref<INode>& node : scene.Nodes()) {
       if (node->Selected() != selected || !IsNodeSeen(*node, options)) continue;

@@ -30,10 +30,37 @@ corvanta::ReferenceTarget* CreateRigControl(bool loading);
 corvanta::ReferenceTarget* CreateParentConstraint(bool loading);
 corvanta::ReferenceTarget* CreateTransformConstraint(bool loading);
 corvanta::ReferenceTarget* CreateScaleConstraint(bool loading);
+corvanta::ReferenceTarget* CreateRootConstraint(bool loading);
+corvanta::ReferenceTarget* CreateRotationSpace(bool loading);
+
+// attributes/
+corvanta::ReferenceTarget* CreateLimbAttrib(bool loading);
+corvanta::ReferenceTarget* CreateCurveAttrib(bool loading);
+corvanta::ReferenceTarget* CreateHeadAttrib(bool loading);
+corvanta::ReferenceTarget* CreateFootAttrib(bool loading);
+corvanta::ReferenceTarget* CreateRootAttrib(bool loading);
+corvanta::ReferenceTarget* CreateLinkAttrib(bool loading);
+
+// solvers/
+corvanta::ReferenceTarget* CreateIKFKChain(bool loading);
+corvanta::ReferenceTarget* CreateIKFKControl(bool loading);
+corvanta::ReferenceTarget* CreateIKFKLink(bool loading);
+corvanta::ReferenceTarget* CreateIKFKDisplayMod(bool loading);
 
 // solvers/
 corvanta::ReferenceTarget* CreateCurveIKChain(bool loading);
 corvanta::ReferenceTarget* CreateCurveIKControl(bool loading);
+
+// connections/
+corvanta::ReferenceTarget* CreateFloatConnection(bool loading);
+corvanta::ReferenceTarget* CreateFloatOperation(bool loading);
+corvanta::ReferenceTarget* CreateFloatExposeTM(bool loading);
+corvanta::ReferenceTarget* CreateFloatWave(bool loading);
+corvanta::ReferenceTarget* CreatePositionConnection(bool loading);
+corvanta::ReferenceTarget* CreateRotationConnection(bool loading);
+corvanta::ReferenceTarget* CreateScaleConnection(bool loading);
+corvanta::ReferenceTarget* CreateTwistPosesFloat(bool loading);
+corvanta::ReferenceTarget* CreateTwistPosesRotation(bool loading);
 
 // shapes/
 corvanta::ReferenceTarget* CreateControlShape(bool loading);

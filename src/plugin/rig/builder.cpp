@@ -4,12 +4,13 @@
 #include <algorithm>
 
 #include "host/core/hold.h"
+#include "host/maths/colour.h"
 #include "host/scene/bone_object.h"
 #include "host/scene/core_interface.h"
 #include "plugin/controllers/rig_control.h"
 #include "plugin/frame/animation_manager_mod.h"
 #include "plugin/frame/find.h"
-#include "plugin/rig/detail/parts.h"
+#include "plugin/rig/detail/trunk.h"
 #include "plugin/shapes/control_params.h"
 
 namespace tavrilon {
@@ -139,6 +140,14 @@ void RigBuilder::Build() {
     default:
       break;  // names only: the rig is its main control
   }
+  PlacePanelCursor();
+}
+
+// A figure without legs is short: its standing pickers move up to it.
+void RigBuilder::PlacePanelCursor() {
+  const RigType type = rig_.Type();
+  const bool figure = type == RigType::Biped || type == RigType::Quadruped || type == RigType::Minotaur;
+  if (figure && rig_.Block().GetInt(rig_param::kLegPairs) <= 0) parts_->panel.MoveCursor(0, -194);
 }
 
 void RigBuilder::BuildExtra(const RigExtra& extra, int side) { BuildExtraRow(*parts_, extra, side); }
@@ -162,6 +171,7 @@ void RigBuilder::FinishComponents() {
 void RigBuilder::FinishRootBone() {
   INode* root = state_->root;
   if (!root || root == state_->main) return;
+  FollowTorso(root, state_->main, state_->torso);
   const int pelvis = parts_->Point({L"pelvis"});
   if (pelvis >= 0) root->GetBaseObject()->GetParamBlock()->SetValue(BoneObject::kLength, 0, parts_->Place(pelvis).z);
   for (INode* bone : state_->bones) {
@@ -189,6 +199,7 @@ void RigBuilder::PairMirrors() {
 void RigBuilder::Finish() {
   if (!state_->main) return;
   FinishRootBone();
+  panel_ = parts_->panel.Finish(*state_, PackColour(rig_.Block().GetColour(rig_param::kColor6)));
   PairMirrors();
   if (INode* node = rig_.ObjectNode()) state_->main->SetNodeTM(0, node->GetNodeTM(0));
   if (RigControl* control = FindNodeRigControl(state_->main)) control->SetFigureMode(false);

@@ -9,6 +9,7 @@
 
 #include <memory>
 
+#include "plugin/rig/panel_record.h"
 #include "plugin/rig/rig_system.h"
 
 namespace tavrilon {
@@ -33,10 +34,13 @@ class RigBuilder {
   void BuildExtra(const RigExtra& extra, int side);
   /// Root bone, mirror pairs, main's place, figure mode off.
   void Finish();
+  /// What the picker panel shows of the finished rig.
+  const PanelRecord& Panel() const { return panel_; }
   /// What the options asked for that was left out.
   std::vector<WStr> Notes() const;
 
  private:
+  void PlacePanelCursor();
   void FinishRootBone();
   void PairMirrors();
 
@@ -44,6 +48,7 @@ class RigBuilder {
   PointFrames frames_;
   std::unique_ptr<detail::BuildState> state_;
   std::unique_ptr<detail::Parts> parts_;
+  PanelRecord panel_;
 };
 
 }  // namespace tavrilon

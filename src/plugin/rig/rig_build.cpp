@@ -65,6 +65,7 @@ INode* RigSystem::ObjectNode() const {
 void RigSystem::RunBuild() {
   buildError_.clear();
   buildNotes_.clear();
+  panel_ = {};
   try {
     RigBuilder builder(*this);
     builder.Prepare();
@@ -79,6 +80,7 @@ void RigSystem::RunBuild() {
       }
     builder.Finish();
     buildNotes_ = builder.Notes();
+    panel_ = builder.Panel();
   } catch (const std::exception& e) {
     buildError_ = L"The rig \"" + RigName() + L"\" is not complete: " + FromUtf8(e.what());
   }

@@ -76,7 +76,8 @@ FPInterfaceDesc MakeDesc() {
        {F::kGetBuildError, -1, L"build_error", FPType::String},
        {F::kGetUnknownPoints, -1, L"unknown_points", FPType::StringTab},
        {F::kGetPointNames, -1, L"point_names", FPType::StringTab},
-       {F::kGetFileError, -1, L"file_error", FPType::String}},
+       {F::kGetFileError, -1, L"file_error", FPType::String},
+       {F::kGetPanelParts, -1, L"panel_parts", FPType::StringTab}},
       {TypeEnumeration(), kSideEnumeration}};
 }
 
@@ -119,6 +120,9 @@ FPStatus IRigSystem::Invoke(int id, TimeValue, FPValue& result, std::span<const 
       break;
     case kGetFileError:
       result = FileError();
+      break;
+    case kGetPanelParts:
+      result = TextTab(PanelParts());
       break;
     case kSetType:
       SetType(number(0));

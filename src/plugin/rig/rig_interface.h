@@ -42,6 +42,7 @@ class IRigSystem : public corvanta::FPMixinInterface {
     kGetUnknownPoints,
     kGetPointNames,
     kGetFileError,
+    kGetPanelParts,
   };
 
   /// Builds the nodes of the template. Nothing on a built rig. One undo step, "Create Rig".
@@ -69,6 +70,8 @@ class IRigSystem : public corvanta::FPMixinInterface {
 
   /// All points, parents before their children, with side prefix and indices.
   virtual std::vector<WStr> PointNames() const = 0;
+  /// The parts that the last build laid out for the picker panel, one line each.
+  virtual std::vector<WStr> PanelParts() const = 0;
 
   /// False, and nothing is changed, when the file cannot be read. One undo step, "Load Rig Template".
   virtual bool Load(const WStr& fileName) = 0;

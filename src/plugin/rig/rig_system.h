@@ -6,6 +6,7 @@
 #include "host/scene/node.h"
 #include "plugin/frame/class_table.h"
 #include "plugin/frame/weak_ref_owner.h"
+#include "plugin/rig/panel_record.h"
 #include "plugin/rig/point_frame.h"
 #include "plugin/rig/rig_block.h"
 #include "plugin/rig/rig_interface.h"
@@ -62,6 +63,8 @@ class RigSystem final : public corvanta::HelperObject, public IRigSystem, public
   void OwnNode(corvanta::INode* node);
   /// The nodes that are there, without null entries and doubles.
   std::vector<corvanta::INode*> OwnedNodes() const;
+  /// What the last build tells the picker panel. Not kept in files.
+  const PanelRecord& Panel() const { return panel_; }
   /// The node that carries this object; null when none does.
   corvanta::INode* ObjectNode() const;
 
@@ -101,6 +104,7 @@ class RigSystem final : public corvanta::HelperObject, public IRigSystem, public
   bool Save(const WStr& fileName) override;
   bool SaveDlg() override;
   std::vector<WStr> PointNames() const override;
+  std::vector<WStr> PanelParts() const override { return tavrilon::PanelParts(panel_); }
   const WStr& FileError() const override { return fileError_; }
   int GetNumExtras() const override { return static_cast<int>(state_.extras.size()); }
   bool AddExtra(const WStr& name = {}, const WStr& parent = {}, int side = kSideNone, int num_controls = 1,
@@ -198,6 +202,7 @@ class RigSystem final : public corvanta::HelperObject, public IRigSystem, public
   int quiet_ = 0;
   WStr buildError_;
   std::vector<WStr> buildNotes_;
+  PanelRecord panel_;
   RigLoadReport lastLoad_;
   WStr fileError_;
 };

@@ -28,14 +28,14 @@ KeyCurve<Key> Curve(std::vector<Key> keys, ORT before = ORT::Constant, ORT after
 template <class Key>
 auto At(const KeyCurve<Key>& c, TimeValue t) {
   Interval valid = FOREVER;
-  int hint = 0;
-  return Evaluate(c, t, valid, hint);
+  Playhead<Key> head;
+  return Evaluate(c, t, valid, head);
 }
 template <class Key>
 Interval ValidAt(const KeyCurve<Key>& c, TimeValue t) {
   Interval valid = FOREVER;
-  int hint = 0;
-  Evaluate(c, t, valid, hint);
+  Playhead<Key> head;
+  Evaluate(c, t, valid, head);
   return valid;
 }
 
@@ -138,8 +138,8 @@ TEST(KeyCurve, ValidityIntervals) {
   EXPECT_EQ(At(Curve<IBezFloatKey>({Bez(10, 4)}), 35), 4);
   // It narrows what came in.
   Interval valid{12, 15};
-  int hint = 0;
-  Evaluate(c, 13, valid, hint);
+  Playhead<IBezFloatKey> head;
+  Evaluate(c, 13, valid, head);
   EXPECT_EQ(valid, (Interval{12, 15}));
 }
 
@@ -151,8 +151,8 @@ TEST(KeyCurve, SteppedOnEitherSideHolds) {
   EXPECT_FLOAT_EQ(At(c, 15), 5);
 }
 
-// The valid interval promises one value all over it, and any hint gives the same answer.
-TEST(KeyCurve, IntervalsAndHintsAreHonest) {
+// The valid interval promises one value all over it, and a playhead from anywhere gives the same answer.
+TEST(KeyCurve, IntervalsAndPlayheadsAreHonest) {
   std::mt19937 rng(11);
   std::uniform_int_distribution<int> gap(1, 30), tangent(0, 6), ort(0, 5), when(-200, 400);
   const ORT types[] = {ORT::Constant, ORT::Cycle, ORT::Loop, ORT::PingPong, ORT::Linear, ORT::RelativeRepeat};
@@ -161,11 +161,11 @@ TEST(KeyCurve, IntervalsAndHintsAreHonest) {
     for (TimeValue t = 0; keys.size() < 5; t += gap(rng))
       keys.push_back(Bez(t, float(gap(rng) % 3), Tangent(tangent(rng)), Tangent(tangent(rng))));
     const auto c = Curve(keys, types[ort(rng)], types[ort(rng)]);
+    Playhead<IBezFloatKey> head;
     for (int n = 0; n < 20; ++n) {
       const TimeValue t = when(rng);
       Interval valid = FOREVER;
-      int hint = gap(rng) - 10;
-      const float v = Evaluate(c, t, valid, hint);
+      const float v = Evaluate(c, t, valid, head);
       ASSERT_TRUE(valid.Contains(t));
       for (const TimeValue other : {std::max(valid.start, -500), std::min(valid.end, 500), t})
         ASSERT_EQ(At(c, other), v) << t << ' ' << other;

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include <random>
-
 #include "host/core/hold.h"
 #include "host/scene/core_interface.h"
 #include "plugin/constraints/blend.h"
+#include "plugin/constraints/constraint_values_test.h"
 #include "plugin/constraints/parent_constraint.h"
 #include "plugin/constraints/scale_constraint.h"
 #include "plugin/constraints/transform_constraint.h"
@@ -16,21 +15,7 @@ namespace {
 
 using namespace corvanta;
 using namespace corvanta::testing_objects;
-
-// Products of a few single-precision matrices with places up to 100: some 1e-5 of rounding.
-constexpr float kTolerance = 1e-3f;
-
-void ExpectNear(const Matrix3& a, const Matrix3& b, const char* what = "") {
-  for (int r = 0; r < 4; ++r)
-    for (int c = 0; c < 3; ++c) ASSERT_NEAR(a.row[r][c], b.row[r][c], kTolerance) << what << " row " << r << " " << c;
-}
-
-Matrix3 RandomRigid(std::mt19937& rng) {
-  std::uniform_real_distribution<float> angle(-3, 3), place(-100, 100);
-  Matrix3 tm = EulerToMatrix({angle(rng), angle(rng), angle(rng)});
-  tm.SetTrans({place(rng), place(rng), place(rng)});
-  return tm;
-}
+using namespace constraint_tests;
 
 class ConstraintTest : public SceneTest {
  protected:

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "plugin/rig/detail/node_factory.h"
+#include "plugin/rig/detail/panel_recorder.h"
 
 namespace tavrilon::detail {
 
@@ -18,6 +19,8 @@ struct RowSpec {
   float sizeOfSegment = 1;
   /// Above 0: one size for the whole row.
   float size = 0;
+  /// 0 draws slim bones.
+  float boneWidth = 0;
   bool secondary = false;
   WStr group;
 };
@@ -25,7 +28,12 @@ struct RowSpec {
 class Parts {
  public:
   Parts(RigSystem& rig, const PointFrames& frames, BuildState& state)
-      : rig(rig), frames(frames), state(state), make(rig, state), height(rig.Size()) {}
+      : rig(rig),
+        frames(frames),
+        state(state),
+        make(rig, state),
+        height(rig.Size()),
+        panel(rig.Size(), rig.Type() == RigType::Quadruped || rig.Type() == RigType::Centaur) {}
 
   int Point(const PartName& name) const { return frames.Find(name.Base()); }
   bool Has(const PartName& name) const { return Point(name) >= 0; }
@@ -46,7 +54,7 @@ class Parts {
   void Wait(int point, const Anchor& made);
 
   /// The control and the bone of one point.
-  Anchor MakePart(const ControlSpec& spec, INode* parentBone, float boneLength);
+  Anchor MakePart(const ControlSpec& spec, INode* parentBone, float boneLength, float boneWidth = 0);
   /// A row under `parent`; gives its last part. Each control has its bone.
   Anchor MakeRow(const RowSpec& spec, Anchor parent);
   /// Bone at a row's end point.
@@ -57,6 +65,7 @@ class Parts {
   BuildState& state;
   NodeFactory make;
   float height;
+  PanelRecorder panel;
 };
 
 // Builders of the body parts.

@@ -25,6 +25,8 @@ inline constexpr Class_ID kScaleListId{kHostClassWord, 3};
 inline constexpr Class_ID kFloatListId{kHostClassWord, 4};
 inline constexpr Class_ID kTransformListId{kHostClassWord, 5};
 inline constexpr Class_ID kTrackCurvesId{kHostClassWord, 6};
+inline constexpr Class_ID kCurveControlId{kHostClassWord, 7};
+inline constexpr Class_ID kPositionXyzId{kHostClassWord, 8};
 
 /// Chunks of the controllers.
 enum : uint16_t {
@@ -35,6 +37,7 @@ enum : uint16_t {
   kOrderChunk = 0x7004,
   kListChunk = 0x7005,
   kTrackCurvesChunk = 0x7006,
+  kCurvesChunk = 0x7007,
 };
 
 }  // namespace corvanta

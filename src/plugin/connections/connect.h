@@ -16,6 +16,8 @@ struct ConnectionSpec {
   bool clamp = false;
   float offset = 0, weight = 1;
   float inputMin = 0, inputMax = 100, outputMin = 0, outputMax = 100;
+  /// Entry of the source's parameter when it is a tab.
+  int sourceTab = 0;
 };
 
 /// A `FloatConnection` to the source's parameter, bound to nothing yet: for a track of a controller. The source's
@@ -27,5 +29,10 @@ corvanta::Control* NewFloatConnection(corvanta::ParamBlock2& source, corvanta::P
 /// or the consumer's cannot be animated.
 bool ConnectFloat(corvanta::ParamBlock2& consumer, corvanta::ParamID param, corvanta::ParamBlock2& source,
                   corvanta::ParamID sourceParam, const ConnectionSpec& spec = {}, int tab = 0);
+
+/// The sub-animatable of a controller gets such a connection. Undoable. False when the source has no such parameter or
+/// the place takes no such controller.
+bool ConnectTrack(corvanta::Animatable& owner, int subAnim, corvanta::ParamBlock2& source,
+                  corvanta::ParamID sourceParam, const ConnectionSpec& spec = {});
 
 }  // namespace tavrilon

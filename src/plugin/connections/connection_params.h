@@ -21,9 +21,28 @@ enum Param : int16_t {
   kCurveCtrl = 10,
   kUseTimeOffset = 11,
   kTimeOffset = 12,
+  // Of no script name: who owns the track that is followed, and the value that stands in for a track.
+  kTrackOwner = 13,
+  kConstant = 14,
 };
 enum Transform : int { kDirect = 0, kOffsetWeight = 1, kRange = 2, kCurve = 3 };
 }  // namespace float_connection
+
+/// PositionConnection, RotationConnection and ScaleConnection.
+namespace vector_connection {
+enum Param : int16_t {
+  kTrackSubAnim = 0,
+  kTwoWay = 1,
+  kUseWeight = 2,
+  kWeightX = 3,
+  kWeightY = 4,
+  kWeightZ = 5,
+  kUseTimeOffset = 6,
+  kTimeOffset = 7,
+  kTrackOwner = 8,
+  kConstant = 9,
+};
+}  // namespace vector_connection
 
 namespace float_operation {
 enum Param : int16_t {
@@ -88,6 +107,11 @@ enum class Component : int {
   ScaleZ
 };
 }  // namespace float_expose_tm
+
+namespace float_wave {
+enum Param : int16_t { kType = 0, kAmplitude = 1, kPeriod = 2, kPhase = 3, kOffset = 4, kWeight = 5, kSeed = 6 };
+enum class Wave : int { Sine, Triangle, Square, Saw, Noise };
+}  // namespace float_wave
 
 namespace twist_poses {
 enum Param : int16_t { kNode = 0, kReference = 1, kComponent = 2, kRest = 3, kAngle = 4, kValue = 5, kWeight = 6 };

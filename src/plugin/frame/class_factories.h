@@ -47,6 +47,21 @@ corvanta::ReferenceTarget* CreateIKFKControl(bool loading);
 corvanta::ReferenceTarget* CreateIKFKLink(bool loading);
 corvanta::ReferenceTarget* CreateIKFKDisplayMod(bool loading);
 
+// solvers/
+corvanta::ReferenceTarget* CreateCurveIKChain(bool loading);
+corvanta::ReferenceTarget* CreateCurveIKControl(bool loading);
+
+// connections/
+corvanta::ReferenceTarget* CreateFloatConnection(bool loading);
+corvanta::ReferenceTarget* CreateFloatOperation(bool loading);
+corvanta::ReferenceTarget* CreateFloatExposeTM(bool loading);
+corvanta::ReferenceTarget* CreateFloatWave(bool loading);
+corvanta::ReferenceTarget* CreatePositionConnection(bool loading);
+corvanta::ReferenceTarget* CreateRotationConnection(bool loading);
+corvanta::ReferenceTarget* CreateScaleConnection(bool loading);
+corvanta::ReferenceTarget* CreateTwistPosesFloat(bool loading);
+corvanta::ReferenceTarget* CreateTwistPosesRotation(bool loading);
+
 // shapes/
 corvanta::ReferenceTarget* CreateControlShape(bool loading);
 corvanta::ReferenceTarget* CreateControlHelper(bool loading);

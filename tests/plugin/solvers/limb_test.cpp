@@ -35,6 +35,10 @@ class LimbOf : public testing::TestWithParam<size_t> {
 };
 INSTANTIATE_TEST_SUITE_P(Joints, LimbOf, testing::Values(2, 3, 4, 5, 8));
 
+// One bone has no reach to soften.
+class BentLimbOf : public LimbOf {};
+INSTANTIATE_TEST_SUITE_P(Joints, BentLimbOf, testing::Values(3, 4, 5, 8));
+
 TEST_P(LimbOf, EndLandsOnAGoalInReach) {
   for (int i = 0; i < 1000; ++i) {
     Limb limb = Next();
@@ -181,8 +185,7 @@ TEST_P(LimbOf, SizeDoesNotMatter) {
   }
 }
 
-TEST_P(LimbOf, SoftReachStaysShortAndIsContinuous) {
-  if (GetParam() == 2) GTEST_SKIP() << "one bone has no reach to soften";
+TEST_P(BentLimbOf, SoftReachStaysShortAndIsContinuous) {
   Limb limb = Next();
   limb.softness = 0.15f;
   const float length = limb.Length(), step = 0.01f * length;

@@ -36,6 +36,10 @@ class MatchOf : public testing::TestWithParam<size_t> {
 };
 INSTANTIATE_TEST_SUITE_P(Joints, MatchOf, testing::Values(2, 3, 4, 5, 8));
 
+// One bone has no reach to soften.
+class BentMatchOf : public MatchOf {};
+INSTANTIATE_TEST_SUITE_P(Joints, BentMatchOf, testing::Values(3, 4, 5, 8));
+
 TEST_P(MatchOf, SwivelComesBack) {
   for (int i = 0; i < 200; ++i) {
     SCOPED_TRACE(i);
@@ -96,8 +100,7 @@ TEST_P(MatchOf, MatchedIKLooksLikeFK) {
   }
 }
 
-TEST_P(MatchOf, GoalComesBackThroughSoftnessAndStretch) {
-  if (GetParam() == 2) GTEST_SKIP() << "one bone has no reach to soften";
+TEST_P(BentMatchOf, GoalComesBackThroughSoftnessAndStretch) {
   for (int i = 0; i < 300; ++i) {
     Limb limb = Next();
     for (LimbJoint& joint : limb.bones) joint.pos = {1, 0, 0};

@@ -58,9 +58,11 @@ class EvaluationWalk {
 
 }  // namespace
 
-bool TransformDependsOn(INode* node, const ReferenceTarget* owner) {
-  return node && owner && EvaluationWalk(owner).Reaches(node);
+bool DependsOn(ReferenceTarget* start, const ReferenceTarget* goal) {
+  return start && goal && EvaluationWalk(goal).Reaches(start);
 }
+
+bool TransformDependsOn(INode* node, const ReferenceTarget* owner) { return DependsOn(node, owner); }
 
 // The node of `owner` has `owner` in its own transform, so the walk refuses it as well.
 bool MayFollow(const ReferenceTarget* owner, INode* candidate) {

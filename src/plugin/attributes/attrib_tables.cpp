@@ -59,6 +59,18 @@ const ParamRow kRootRows[] = {
     {root_attrib::kGroundOffset, L"ground_offset", ParamType::World, kAnimatable, 0.0f, {}, L"Ground Offset:"},
     {root_attrib::kUseGround, L"use_ground", ParamType::Bool, kAnimatable, true, {}, L"Use Ground"},
 };
+
+const ParamRow kLinkRows[] = {
+    {link_attrib::kLinkNode, L"link_node", ParamType::Node, kWeak, {}, {}, L"Control", kNotShown},
+    {link_attrib::kLink1, L"link1", ParamType::Node, kWeak, {}, {}, L"Link 1"},
+    {link_attrib::kLink2, L"link2", ParamType::Node, kWeak, {}, {}, L"Link 2"},
+    {link_attrib::kLink3, L"link3", ParamType::Node, kWeak, {}, {}, L"Link 3"},
+    {link_attrib::kLink4, L"link4", ParamType::Node, kWeak, {}, {}, L"Link 4"},
+    {link_attrib::kLink1Name, L"link1_name", ParamType::String, kNone, L"", {}, L"", kNotShown},
+    {link_attrib::kLink2Name, L"link2_name", ParamType::String, kNone, L"", {}, L"", kNotShown},
+    {link_attrib::kLink3Name, L"link3_name", ParamType::String, kNone, L"", {}, L"", kNotShown},
+    {link_attrib::kLink4Name, L"link4_name", ParamType::String, kNone, L"", {}, L"", kNotShown},
+};
 // clang-format on
 
 struct AttribTable {
@@ -75,6 +87,7 @@ const ParamBlockDesc2* AttribBlockDesc(TavrilonClass attrib) {
       {TavrilonClass::FootAttrib, {0, L"Parameters", kFootRows}},
       {TavrilonClass::HeadAttrib, {0, L"Parameters", kHeadRows}},
       {TavrilonClass::RootAttrib, {0, L"Parameters", kRootRows}},
+      {TavrilonClass::LinkAttrib, {0, L"Parameters", kLinkRows}},
   };
   for (const AttribTable& table : kTables)
     if (table.row == attrib) return &table.desc;

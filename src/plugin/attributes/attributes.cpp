@@ -12,12 +12,16 @@ RigAttrib::RigAttrib(TavrilonClass row, bool loading) : row_(row) {
   if (!loading) BindReference(0, new ParamBlock2(*AttribBlockDesc(row)));
 }
 
-ParamBlock2* FindAttrib(const INode* node, TavrilonClass attrib) {
+RigAttrib* FindRigAttrib(const INode* node, TavrilonClass attrib) {
   const CustAttribContainer* container = node ? node->GetCustAttribContainer() : nullptr;
   for (int i = 0; container && i < container->GetNumCustAttribs(); ++i)
-    if (IsOfClass(container->GetCustAttrib(i), attrib))
-      return static_cast<RigAttrib*>(container->GetCustAttrib(i))->GetParamBlock();
+    if (IsOfClass(container->GetCustAttrib(i), attrib)) return static_cast<RigAttrib*>(container->GetCustAttrib(i));
   return nullptr;
+}
+
+ParamBlock2* FindAttrib(const INode* node, TavrilonClass attrib) {
+  const RigAttrib* found = FindRigAttrib(node, attrib);
+  return found ? found->GetParamBlock() : nullptr;
 }
 
 ParamBlock2* AddAttrib(INode* node, TavrilonClass attrib) {
@@ -26,6 +30,7 @@ ParamBlock2* AddAttrib(INode* node, TavrilonClass attrib) {
   const HoldScope hold(L"Add Attribute");
   auto* added = static_cast<RigAttrib*>(DescOf(attrib).Create());
   node->MakeCustAttribContainer()->AppendCustAttrib(added);
+  if (attrib == TavrilonClass::LinkAttrib) added->GetParamBlock()->SetValue(link_attrib::kLinkNode, 0, node);
   return added->GetParamBlock();
 }
 

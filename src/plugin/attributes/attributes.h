@@ -39,8 +39,10 @@ class RigAttrib : public corvanta::CustAttrib {
 /// The parameter table of an attribute class; null for any other class.
 const corvanta::ParamBlockDesc2* AttribBlockDesc(TavrilonClass attrib);
 
+/// The node's attribute of that class, null when it has none. Allocates nothing.
+RigAttrib* FindRigAttrib(const corvanta::INode* node, TavrilonClass attrib);
 /// The block of the node's attribute of that class, which is made where there is none. Null for a null node and for a
-/// class that is no attribute. Undoable.
+/// class that is no attribute. A new link attribute serves the node itself. Undoable.
 corvanta::ParamBlock2* AddAttrib(corvanta::INode* node, TavrilonClass attrib);
 /// The block of the node's attribute of that class, null when it has none. Allocates nothing.
 corvanta::ParamBlock2* FindAttrib(const corvanta::INode* node, TavrilonClass attrib);

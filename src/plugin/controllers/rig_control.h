@@ -109,8 +109,8 @@ class RigControl final : public corvanta::CompositeControl, public IRigControl {
   SplitOffset offset_;
 };
 
-/// Turns off, for its lifetime, the mirroring of moves of a selected pair: around moves that a chain sends to its
-/// controls.
+/// Turns off, for its lifetime, the mirroring of moves of a selected pair and of figure offsets: around moves that a
+/// chain sends to its controls.
 class MirrorPairOff {
  public:
   MirrorPairOff();

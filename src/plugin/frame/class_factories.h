@@ -39,6 +39,17 @@ corvanta::ReferenceTarget* CreateCurveAttrib(bool loading);
 corvanta::ReferenceTarget* CreateHeadAttrib(bool loading);
 corvanta::ReferenceTarget* CreateFootAttrib(bool loading);
 corvanta::ReferenceTarget* CreateRootAttrib(bool loading);
+corvanta::ReferenceTarget* CreateLinkAttrib(bool loading);
+
+// solvers/
+corvanta::ReferenceTarget* CreateIKFKChain(bool loading);
+corvanta::ReferenceTarget* CreateIKFKControl(bool loading);
+corvanta::ReferenceTarget* CreateIKFKLink(bool loading);
+corvanta::ReferenceTarget* CreateIKFKDisplayMod(bool loading);
+
+// solvers/
+corvanta::ReferenceTarget* CreateCurveIKChain(bool loading);
+corvanta::ReferenceTarget* CreateCurveIKControl(bool loading);
 
 // connections/
 corvanta::ReferenceTarget* CreateFloatConnection(bool loading);

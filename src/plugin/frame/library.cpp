@@ -3,6 +3,7 @@
 
 #include "host/core/notify.h"
 #include "plugin/frame/resource.h"
+#include "plugin/frame/script_primitives.h"
 #include "plugin/frame/tavrilon_interface.h"
 
 namespace tavrilon {
@@ -30,12 +31,14 @@ void AttachLibrary(void* moduleHandle) {
 }
 
 void InitializeLibrary() {
+  RegisterIKFKSolverPrimitive();
   RegisterNotification(OnSceneReset, nullptr, NOTIFY_SCENE_RESET);
   RegisterNotification(OnHostStarted, nullptr, NOTIFY_HOST_STARTED);
   RegisterNotification(OnHostClosing, nullptr, NOTIFY_HOST_CLOSING);
 }
 
 void ShutdownLibrary() {
+  UnregisterIKFKSolverPrimitive();
   UnRegisterNotification(OnHostStarted, nullptr, NOTIFY_HOST_STARTED);
   UnRegisterNotification(OnHostClosing, nullptr, NOTIFY_HOST_CLOSING);
   OnHostClosing(nullptr, nullptr);

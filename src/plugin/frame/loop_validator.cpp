@@ -40,8 +40,11 @@ class EvaluationWalk {
       if (node->GetParentNode() && !node->GetParentNode()->IsRootNode()) Visit(node->GetParentNode());
       return;
     }
-    for (int i = 0; i < target->NumRefs(); ++i) Visit(target->GetReference(i));
-    if (target->SuperClassID() == kParamBlockSuper) VisitWeakSlots(static_cast<ParamBlock2&>(*target));
+    const auto* reads = static_cast<const EvaluationReads*>(target->GetInterface(EvaluationReads::kRequest));
+    for (int i = 0; i < target->NumRefs(); ++i)
+      if (!reads || reads->ReadsReference(i)) Visit(target->GetReference(i));
+    const bool isBlock = target->SuperClassID() == kParamBlockSuper && !target->TestFlag(A_PLACEHOLDER);
+    if (isBlock) VisitWeakSlots(static_cast<ParamBlock2&>(*target));
   }
   void VisitWeakSlots(const ParamBlock2& block) {
     for (const ParamRow& row : block.GetDesc().rows) {

@@ -60,7 +60,7 @@ struct JointPose {
   corvanta::Matrix3 tm;
 };
 
-/// Tables of the many-bone search, kept from solve to solve: only a longer limb than before allocates.
+/// Tables of the many-bone search and of matching, kept from solve to solve: only a longer limb than before allocates.
 struct LimbWork {
   struct Joint {
     corvanta::Quat base;
@@ -68,6 +68,7 @@ struct LimbWork {
     float angle = 0, saved = 0;
   };
   std::vector<Joint> joints;
+  std::vector<JointPose> trial;
 };
 
 /// Fills `out`, as many as there are joints, and gives the factor by which the bones were stretched. With blend 1 and a

@@ -21,4 +21,9 @@ struct SoftReachOut {
 /// A goal well within reach comes back as it is. No failure, no NaN for finite input.
 SoftReachOut SoftenReach(const SoftReachIn& in);
 
+/// The inverse: where the goal must be for the end to come to `in.distance`, by softness and by the stretch beyond full
+/// reach. Without stretch nothing comes to full reach; what asks for it gets a goal some nine softening zones away.
+/// Exact for any stretch from 0 to 1. Source: Newton's method on a concave function, from below.
+float UnsoftenReach(const SoftReachIn& in);
+
 }  // namespace tavrilon

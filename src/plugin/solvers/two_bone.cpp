@@ -15,6 +15,8 @@ namespace {
 
 /// Distances shorter than this count as this long where they divide.
 constexpr float kSmall = 0.001f;
+/// Radians by which vectors may miss to be opposite: nearer ones tell no axis in single precision.
+constexpr float kOpposite = 1e-5f;
 
 // The elbow in the plane of the limb: X towards the goal, Y to the side of the bend.
 Point3 ElbowInPlane(float upper, float lower, float distance) {
@@ -24,6 +26,17 @@ Point3 ElbowInPlane(float upper, float lower, float distance) {
   const float x = SafeDivide(upper * upper - lower * lower + distance * distance, 2 * distance, kSmall);
   return {x, std::sqrt(std::max(upper * upper - x * x, 0.0f)), 0};
 }
+
+// The turn of the upper bone to the elbow, both unit vectors. An elbow folded back takes half a turn about the axis
+// that one almost folded turns about: Y of the limb's plane, seen through `carried`, is where its bend goes.
+Quat TurnToElbow(const Point3& upper, const Point3& elbow, const Quat& carried) {
+  if (LengthSquared(upper + elbow) > kOpposite * kOpposite) return TurnBetween(upper, elbow);
+  const Point3 axis = Normalize(Cross(upper, TurnVector({0, 1, 0}, Conjugate(carried))));
+  if (axis == Point3{}) return RotationBetween(upper, elbow);
+  return {axis.x, axis.y, axis.z, 0};
+}
+
+Point3 Direction(const Point3& v, float length) { return length > 0 ? v / length : Point3{}; }
 
 }  // namespace
 
@@ -39,15 +52,13 @@ float BendTwoBones(const LimbIn& in, const LimbSpace& space, std::span<JointPose
   // The frame that carries the upper bone along X and bends the preferred way towards Y.
   Point3 side = TurnVector(lower, bend);
   side.y = -side.y;
-  const Matrix3 carried = FrameFromVectors(upper, side);
-  const Quat plane = BendFrame(in, space);
-  const Point3 carriedElbow{Dot(elbow, carried.row[0]), Dot(elbow, carried.row[1]), Dot(elbow, carried.row[2])};
-  // Directions go in as unit vectors: RotationBetween takes what is shorter than 0.01 for nothing, and rigs may be
-  // small.
-  out[0].rot = RotationBetween(Normalize(upper), Normalize(carriedElbow)) * QuatFromMatrix(carried) * plane;
+  const Point3 along = Direction(upper, upperLength);
+  const Quat carried = FrameTurn(along, side), plane = BendFrame(in, space);
+  const Point3 toElbow = TurnVector(Direction(elbow, upperLength * soft.boneScale), Conjugate(carried));
+  out[0].rot = TurnToElbow(along, toElbow, carried) * carried * plane;
   const Point3 toGoal = space.aim * soft.distance - TurnVector(elbow, plane);
   const Point3 seen = TurnVector(toGoal, Conjugate(bend * out[0].rot));
-  out[1].rot = RotationBetween(Normalize(lower), Normalize(seen)) * bend;
+  out[1].rot = TurnBetween(Direction(lower, lowerLength), Normalize(seen)) * bend;
   upper *= factor;
   lower *= factor;
   return factor;

@@ -60,27 +60,5 @@ TEST(TwoBone, ElbowPointsAtTheTarget) {
   }
 }
 
-TEST(TwoBone, StretchReachesAndSoftnessStaysShort) {
-  Limb limb = EvenLimb();
-  limb.goalTM = TransMatrix({6, 0, 0});
-  limb.Solve();
-  EXPECT_NEAR(Length(limb.End()), 4, kSixDecimals);
-  limb.autoStretch = 1;
-  limb.Solve();
-  EXPECT_NEAR(Length(limb.End()), 6, kSixDecimals);
-  EXPECT_NEAR(limb.stretch, 1.5f, kSixDecimals);
-  limb.autoStretch = 0;
-  limb.softness = 0.1f;
-  float last = 0;
-  for (float x = 3.4f; x < 8; x += 0.1f) {
-    limb.goalTM = TransMatrix({x, 0, 0});
-    limb.Solve();
-    const float reach = Length(limb.End());
-    EXPECT_LE(reach, 4 + kSixDecimals);
-    EXPECT_GE(reach, last - kSixDecimals) << "it only grows";
-    last = reach;
-  }
-}
-
 }  // namespace
 }  // namespace tavrilon

@@ -74,7 +74,7 @@ bool Gives(const Track& track, SClass_ID superClass) {
   return control && control->SuperClassID() == superClass;
 }
 
-float ReadFloat(const Track& track, TimeValue t, Interval& valid) {
+float ReadAnyFloat(const Track& track, TimeValue t, Interval& valid) {
   if (!track.IsParam()) {
     Animatable* sub = track.number < track.owner->NumSubs() ? track.owner->SubAnim(track.number) : nullptr;
     if (!sub || sub->SuperClassID() != kFloatControlSuper) return 0;

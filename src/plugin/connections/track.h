@@ -37,8 +37,21 @@ corvanta::Control* MakeControllerOf(const Track& track);
 /// controllers of that super class, and of Point3 parameters the value as it is.
 bool Gives(const Track& track, corvanta::SClass_ID superClass);
 
-/// 0 when the track gives no float any more.
-float ReadFloat(const Track& track, corvanta::TimeValue t, corvanta::Interval& valid);
+/// The same as ReadFloat for any kind of track.
+float ReadAnyFloat(const Track& track, corvanta::TimeValue t, corvanta::Interval& valid);
+
+/// 0 when the track gives no float any more. Float parameters, nearly all that rigs follow, are read on the spot.
+inline float ReadFloat(const Track& track, corvanta::TimeValue t, corvanta::Interval& valid) {
+  if (!track.IsParam()) return ReadAnyFloat(track, t, valid);
+  const corvanta::ParamBlock2& block = track.Block();
+  const int index = block.IDtoIndex(track.Param());
+  if (index < 0) return 0;
+  const corvanta::ParamRow& row = block.GetDesc().rows[static_cast<size_t>(index)];
+  using corvanta::ParamType;
+  const bool isFloat = row.type == ParamType::Float || row.type == ParamType::Angle || row.type == ParamType::Percent ||
+                       row.type == ParamType::World;
+  return isFloat && !row.Is(corvanta::kTab) ? block.GetFloat(row.id, t, valid) : ReadAnyFloat(track, t, valid);
+}
 /// Undoable.
 void WriteFloat(const Track& track, corvanta::TimeValue t, float value, bool commit);
 

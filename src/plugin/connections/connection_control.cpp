@@ -139,7 +139,7 @@ void ConnectionControl::AskKeys(Ask&& ask) const {
 template <class Edit>
 void ConnectionControl::EditKeys(Edit&& edit, bool make) {
   if (locked_ || asking_ || !IsTwoWay()) return;
-  Control* control = make ? MakeControllerOf(GetTrack()) : ControllerOf(GetTrack());
+  Control* control = make ? MakeControllerOf(GetTrack(), SuperClassID()) : ControllerOf(GetTrack());
   if (!control) return;
   const ReentryGuard guard(asking_);
   edit(*control);

@@ -29,9 +29,9 @@ inline int ParamTrackNumber(corvanta::ParamID id, int tab) { return tab << 16 | 
 const corvanta::ParamRow* RowOf(const Track& track);
 /// The track's controller, null when it has none (a parameter may be a constant).
 corvanta::Control* ControllerOf(const Track& track);
-/// The same, and a parameter gets one that holds its constant, any other empty place the default float one. Null when
-/// the place takes none. Undoable.
-corvanta::Control* MakeControllerOf(const Track& track);
+/// The same, and a parameter gets one that holds its constant, any other empty place the default one of the super
+/// class. Null when the place takes none. Undoable.
+corvanta::Control* MakeControllerOf(const Track& track, corvanta::SClass_ID superClass);
 
 /// Does the track give values of this kind? Float tracks: float controllers and parameters that are numbers. Others:
 /// controllers of that super class, and of Point3 parameters the value as it is.

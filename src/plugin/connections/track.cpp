@@ -119,6 +119,7 @@ Track FindTrack(ReferenceTarget& owner, const ReferenceTarget& target) {
 }
 
 Track FindTrack(ReferenceTarget& owner, const WStr& name) {
+  if (name.empty()) return {};  // the name of parameters that scripts do not see
   const Track self{&owner, 0};
   if (self.IsParam()) {
     const ParamRow* row = self.Block().GetDesc().FindByName(name);

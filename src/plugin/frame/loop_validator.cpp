@@ -42,7 +42,8 @@ class EvaluationWalk {
     }
     for (int i = 0; i < target->NumRefs(); ++i)
       if (target->ReadsReference(i)) Visit(target->GetReference(i));
-    if (target->SuperClassID() == kParamBlockSuper) VisitWeakSlots(static_cast<ParamBlock2&>(*target));
+    const bool isBlock = target->SuperClassID() == kParamBlockSuper && !target->TestFlag(A_PLACEHOLDER);
+    if (isBlock) VisitWeakSlots(static_cast<ParamBlock2&>(*target));
   }
   void VisitWeakSlots(const ParamBlock2& block) {
     for (const ParamRow& row : block.GetDesc().rows) {
@@ -59,9 +60,11 @@ class EvaluationWalk {
 
 }  // namespace
 
-bool TransformDependsOn(INode* node, const ReferenceTarget* owner) {
-  return node && owner && EvaluationWalk(owner).Reaches(node);
+bool DependsOn(ReferenceTarget* start, const ReferenceTarget* goal) {
+  return start && goal && EvaluationWalk(goal).Reaches(start);
 }
+
+bool TransformDependsOn(INode* node, const ReferenceTarget* owner) { return DependsOn(node, owner); }
 
 // The node of `owner` has `owner` in its own transform, so the walk refuses it as well.
 bool MayFollow(const ReferenceTarget* owner, INode* candidate) {

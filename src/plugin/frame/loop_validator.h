@@ -11,6 +11,9 @@ namespace tavrilon {
 /// or of an ancestor, or in the transform of any node that these follow by a reference or a weak slot.
 bool TransformDependsOn(corvanta::INode* node, const corvanta::ReferenceTarget* owner);
 
+/// The same for the evaluation of anything that is no node: a controller, a block with all its parameters.
+bool DependsOn(corvanta::ReferenceTarget* start, const corvanta::ReferenceTarget* goal);
+
 /// May `owner` follow `candidate`? Not null, not the node of `owner`, not a node that depends on `owner`.
 bool MayFollow(const corvanta::ReferenceTarget* owner, corvanta::INode* candidate);
 

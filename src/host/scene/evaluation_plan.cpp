@@ -53,7 +53,7 @@ void EvaluationPlan::Evaluate(const Scene& scene, TimeValue t) {
   if (linkStamp_ != ReferenceTarget::LinkStamp() || first_.size() != nodes.size() + 1) Make(scene);
   for (size_t i = 0; i < nodes.size(); ++i) {
     // Written out here: a function of fetches alone counts as one without effect and would be left out.
-    if (i + kAhead < nodes.size())
+    if (i + kAhead < nodes.size() && !nodes[i + kAhead]->HasNodeTM(t))
       for (uint32_t k = first_[i + kAhead]; k < first_[i + kAhead + 1]; ++k) __builtin_prefetch(lines_[k]);
     nodes[i]->GetNodeTM(t);
   }

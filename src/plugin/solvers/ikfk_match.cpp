@@ -57,6 +57,17 @@ class WritingHandles {
   int& count_;
 };
 
+// The end of a straight limb lies at its very reach: rounded a little inwards the goal would bend the limb by a
+// visible angle, since the bend goes by the square root. A millionth further out nothing bends.
+Point3 BeyondReach(const LimbIn& in, std::span<const JointPose> poses, const Point3& goal) {
+  if (poses.size() < 3 || in.softness > 0 || in.autoStretch > 0) return goal;
+  float reach = 0;
+  for (size_t i = 1; i < poses.size(); ++i) reach += Length(poses[i].tm.GetTrans() - poses[i - 1].tm.GetTrans());
+  const Point3 root = poses[0].tm.GetTrans(), toGoal = goal - root;
+  constexpr float kRounding = 4e-7f, kFurther = 1e-6f;
+  return Length(toGoal) > reach * (1 - kRounding) ? root + toGoal * (1 + kFurther) : goal;
+}
+
 }  // namespace
 
 // FK from the pose.
@@ -101,7 +112,7 @@ void IKFKChain::MatchIKPose(TimeValue t, bool toFK, bool moveGoal, bool moveBend
   GatherIK(t, in);
   in.joints = joints;
   Matrix3 end = poses.back().tm;
-  end.SetTrans(MatchGoal(in, poses));
+  end.SetTrans(BeyondReach(in, poses, MatchGoal(in, poses)));
   const Point3 target = in.hasTarget ? MatchTarget(in, poses, block_->GetFloat(kTargetDistPercent), work_) : Point3();
   const float swivel = in.hasTarget ? 0 : MatchSwivel(in, poses, work_);
   dirty_ = true;

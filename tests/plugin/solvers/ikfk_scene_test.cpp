@@ -73,6 +73,37 @@ TEST_F(IKFKTest, TheNodesBetweenGoalAndItsParentAreListed) {
   ExpectSamePoses({pivot->GetNodeTM(0) * Inverse(rig.foot->GetNodeTM(0))}, {turned}, 10);
 }
 
+// What users and scripts may put into the slots: nothing that the limb would have to wait for itself.
+TEST_F(IKFKTest, SlotsRefuseLoops) {
+  const LimbRig rig = Build();
+  INode* hand = AddNode(L"hand", rig.End());
+  INode* above = AddNode(L"above", rig.main);
+  const struct {
+    ParamID id;
+    INode* node;
+    bool fits;
+  } kRows[] = {
+      {kGoal, rig.End(), false},
+      {kGoal, hand, false},
+      {kGoal, rig.goal, true},
+      {kGoal, above, true},
+      {kTarget, hand, false},
+      {kTarget, rig.goal, true},
+      {kTarget, rig.chainNode, false},
+      {kRotationSpaceNode, hand, false},
+      {kRotationSpaceNode, rig.main, true},
+      {kJoints, hand, true},
+      {kJoints, rig.foot, false},
+      {kJoints, rig.main, false},
+      {kGoalParent, rig.foot, true},
+      {kGoalParent, above, false},
+      {kGoalParent, rig.goal, false},
+  };
+  for (const auto& row : kRows)
+    EXPECT_EQ(rig.Block().GetParamDef(row.id)->validator->Validate(rig.chain, row.id, row.node), row.fits)
+        << row.id << ToUtf8(row.node->GetName());
+}
+
 // Random edits of a rig, all taken back: the scene saves as before, and shows the same matrices to the bit.
 TEST_F(IKFKTest, UndoTakesEverythingBack) {
   for (unsigned seed = 1; seed <= 6; ++seed) {

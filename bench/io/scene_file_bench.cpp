@@ -15,7 +15,7 @@ enum class Content { KeyedNodes, Biped };
 void MakeScene(Content content) {
   bench_scene::Fresh();
   if (content == Content::Biped) {
-    bench_scene::AddBiped().CreateRig();
+    bench_scene::AddRig().CreateRig();
     return;
   }
   AnimateOn();

@@ -25,7 +25,7 @@ BENCHMARK(BM_TemplateRebuild99SpineBones)->Unit(benchmark::kMicrosecond);
 
 void BM_CreateRigBiped(benchmark::State& state) {
   bench_scene::Fresh();
-  RigSystem& rig = bench_scene::AddBiped();
+  RigSystem& rig = bench_scene::AddRig();
   for (auto _ : state) {
     rig.CreateRig();
     state.PauseTiming();
@@ -39,7 +39,7 @@ BENCHMARK(BM_CreateRigBiped)->Unit(benchmark::kMillisecond);
 /// Undo and redo of the build in turn; the time is that of one of them.
 void BM_UndoOrRedoCreateRig(benchmark::State& state, bool undo) {
   bench_scene::Fresh();
-  RigSystem& rig = bench_scene::AddBiped();
+  RigSystem& rig = bench_scene::AddRig();
   rig.CreateRig();
   for (auto _ : state) {
     if (!undo) {
@@ -58,11 +58,13 @@ void BM_UndoOrRedoCreateRig(benchmark::State& state, bool undo) {
 BENCHMARK_CAPTURE(BM_UndoOrRedoCreateRig, undo, true)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_UndoOrRedoCreateRig, redo, false)->Unit(benchmark::kMillisecond);
 
-/// Every node of n built bipeds, controls and bones, at a new time. `all`: every control has keys, else main only.
-void BM_EvaluateBipeds(benchmark::State& state, bool all) {
+enum class Keyed { Main, All };
+
+/// Every node of n built rigs, controls, solvers and bones, at a new time.
+void BM_EvaluateRigs(benchmark::State& state, RigType type, Keyed keyed) {
   bench_scene::Fresh();
-  for (int i = 0; i < state.range(0); ++i) bench_scene::AddBiped().CreateRig();
-  bench_scene::Key(all);
+  for (int i = 0; i < state.range(0); ++i) bench_scene::AddRig(type).CreateRig();
+  bench_scene::Key(keyed == Keyed::All);
   TimeValue t = 0;
   for (auto _ : state) {
     t = (t + 37) % 20000;
@@ -71,12 +73,21 @@ void BM_EvaluateBipeds(benchmark::State& state, bool all) {
   }
   state.SetLabel(std::to_string(GetScene().Nodes().size()) + " nodes");
 }
-BENCHMARK_CAPTURE(BM_EvaluateBipeds, main_keyed, false)->Arg(1)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(BM_EvaluateBipeds, all_keyed, true)->Arg(1)->Arg(10)->Arg(100)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_EvaluateRigs, biped_main_keyed, RigType::Biped, Keyed::Main)
+    ->Arg(1)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_EvaluateRigs, biped_all_keyed, RigType::Biped, Keyed::All)
+    ->Arg(1)
+    ->Arg(10)
+    ->Arg(100)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_EvaluateRigs, quadruped_all_keyed, RigType::Quadruped, Keyed::All)
+    ->Arg(1)
+    ->Unit(benchmark::kMicrosecond);
 
 void BM_EvaluateBipedSameTime(benchmark::State& state) {
   bench_scene::Fresh();
-  bench_scene::AddBiped().CreateRig();
+  bench_scene::AddRig().CreateRig();
   bench_scene::Key(true);
   for (auto _ : state) {
     GetScene().Evaluate(100);

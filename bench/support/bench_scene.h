@@ -18,14 +18,11 @@ inline void Fresh() {
   corvanta::ReplaceScene(std::make_unique<corvanta::Scene>());
 }
 
-/// A template of a Biped without solvers, on a node of its own.
-inline tavrilon::RigSystem& AddBiped() {
+/// A template of a type with all its defaults, on a node of its own.
+inline tavrilon::RigSystem& AddRig(tavrilon::RigType type = tavrilon::RigType::Biped) {
   auto* rig = new tavrilon::RigSystem;
   corvanta::GetCOREInterface()->CreateObjectNode(rig);
-  using namespace tavrilon::rig_param;
-  for (const ID id : {kIkfkSolvers, kIkSpine, kUseSpineBones, kReverseFoot, kUpperArmTwistBones, kForearmTwistBones,
-                      kThighTwistBones, kCalfTwistBones})
-    rig->GetParamBlock()->SetValue(id, 0, 0);
+  rig->SetType(static_cast<int>(type));
   return *rig;
 }
 

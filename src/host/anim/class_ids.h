@@ -26,6 +26,7 @@ inline constexpr Class_ID kFloatListId{kHostClassWord, 4};
 inline constexpr Class_ID kTransformListId{kHostClassWord, 5};
 inline constexpr Class_ID kTrackCurvesId{kHostClassWord, 6};
 inline constexpr Class_ID kCurveControlId{kHostClassWord, 7};
+inline constexpr Class_ID kPositionXyzId{kHostClassWord, 8};
 
 /// Chunks of the controllers.
 enum : uint16_t {

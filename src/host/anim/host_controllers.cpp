@@ -3,6 +3,7 @@
 #include "host/anim/euler_control.h"
 #include "host/anim/keyframe_control.h"
 #include "host/anim/list_control.h"
+#include "host/anim/position_xyz_control.h"
 #include "host/anim/prs_control.h"
 #include "host/core/class_desc.h"
 
@@ -74,6 +75,8 @@ const ClassDesc kDescs[] = {
      CreateComposite<EulerControl>},
     {L"Position/Rotation/Scale", L"prs", kMatrixControlSuper, kPrsId, L"Controllers", true,
      CreateComposite<PrsControl>},
+    {L"Position XYZ", L"position_xyz", kPositionControlSuper, kPositionXyzId, L"Controllers", true,
+     CreateComposite<PositionXyzControl>},
     {L"Track Curves", L"TrackCurves", kReferenceTargetSuper, kTrackCurvesId, L"", false, CreateTrackCurves},
 };
 

@@ -43,6 +43,8 @@ class INode final : public ReferenceTarget {
   WStr GetClassName() const override { return L"Node"; }
   INode* AsNode() override { return this; }
 
+  /// The matrix at `t` is at hand and need not be computed.
+  bool HasNodeTM(TimeValue t) const { return tmValid_.Contains(t); }
   /// World matrix at `t`. Asked for while it is being computed, it gives the last known matrix.
   const Matrix3& GetNodeTM(TimeValue t) { return tmValid_.Contains(t) ? tm_ : Evaluate(t); }
   const Matrix3& GetNodeTM(TimeValue t, Interval& valid) {

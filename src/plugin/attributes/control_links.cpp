@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/attributes/control_links.h"
 
+#include <cmath>
+
 #include "host/core/param_block.h"
 #include "host/core/published.h"
 #include "host/scene/core_interface.h"
@@ -25,7 +27,7 @@ class GoalLinks final : public ControlLinks {
   INode* Node(int i) const override { return Has(i) ? Block()->GetINode(ikfk_link::kTargetList, 0, i) : nullptr; }
   TimeValue Time(int i) const override { return Has(i) ? Block()->GetTime(ikfk_link::kStartTime, 0, i) : 0; }
   bool Add(INode* target, TimeValue t) override {
-    const int frame = t / GetCOREInterface()->GetTicksPerFrame();
+    const int frame = static_cast<int>(std::floor(static_cast<double>(t) / GetCOREInterface()->GetTicksPerFrame()));
     if (!target) return Call(L"AddWorld", {frame, true});
     return Call(L"AddTarget", {TargetValue(target), frame, true});
   }
@@ -58,11 +60,20 @@ Control* ActiveLink(INode* control) {
   return nullptr;
 }
 
+/// Joints go by their chain: a constraint below would be taken for the joint's pose under its parent.
+bool IsJoint(INode* control) {
+  Control* wrapped = control->GetTMController();
+  if (!IsOfClass(wrapped, TavrilonClass::IKFKControl)) return false;
+  const auto* block = dynamic_cast<ParamBlock2*>(wrapped->GetReference(0));
+  return block && block->GetInt(ikfk_control::kType) == ikfk_control::kJoint;
+}
+
 }  // namespace
 
 std::unique_ptr<ControlLinks> LinksOf(INode* control, std::vector<INode*> spaces) {
   if (!control) return nullptr;
   if (Control* link = ActiveLink(control)) return std::make_unique<GoalLinks>(*link);
+  if (IsJoint(control)) return nullptr;
   return std::make_unique<WeightLinks>(control, std::move(spaces));
 }
 

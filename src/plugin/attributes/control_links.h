@@ -27,7 +27,8 @@ class ControlLinks {
 };
 
 /// The links of `control`: of its IK goal where a link can act, else of its parent constraint, which is made at the
-/// first link with `spaces` among its targets. Null for a null node.
+/// first link with `spaces` among its targets. Null for a null node and for a
+/// joint of a chain, whose place is the chain's to tell.
 std::unique_ptr<ControlLinks> LinksOf(corvanta::INode* control, std::vector<corvanta::INode*> spaces);
 
 }  // namespace tavrilon

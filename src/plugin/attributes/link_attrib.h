@@ -23,8 +23,8 @@ class LinkAttrib final : public RigAttrib {
   bool SetSpace(int row, corvanta::INode* space, const corvanta::WStr& name);
 
   /// From the current time on the control follows the space of that row, and stays where it is now. False for a row
-  /// without a name, without a control to serve, for a space that depends on the control, and for a locked control.
-  /// Undoable, as the two that follow.
+  /// without a name, without a control to serve, for a joint of a chain, for a space that depends on the control, and
+  /// for a locked control. On an IK goal links begin at whole frames. Undoable, as the two that follow.
   bool AddLink(int row);
   bool AddWorld();
   /// Takes out link `i` of the control's list.

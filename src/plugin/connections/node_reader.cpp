@@ -3,6 +3,8 @@
 
 #include "host/core/hold.h"
 #include "host/scene/node.h"
+#include "plugin/controllers/rig_control.h"
+#include "plugin/frame/find.h"
 
 namespace tavrilon {
 
@@ -32,6 +34,11 @@ Matrix3 NodeReader::PlaceAt(TimeValue t, Interval& valid) const {
 void NodeReader::TakeRest(TimeValue t) {
   Interval ignored = FOREVER;
   if (block_) block_->SetValue(rows_.rest, 0, PlaceAt(t, ignored));
+}
+
+void NodeReader::RefitRest(TimeValue t) {
+  const RigControl* control = FindNodeRigControl(block_ ? block_->GetINode(rows_.node) : nullptr);
+  if (control && control->GetFigureMode()) TakeRest(t);
 }
 
 }  // namespace tavrilon

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "plugin/connections/block_control.h"
+#include "plugin/frame/figure_rest.h"
 #include "plugin/frame/weak_ref_owner.h"
 
 namespace tavrilon {
@@ -14,7 +15,7 @@ struct NodeReaderRows {
 
 /// The frame is the reference node's, or the parent's without one, or the world's. The rest place is taken when node,
 /// reference or the world flag are written.
-class NodeReader : public BlockControl, public WeakRefOwner {
+class NodeReader : public BlockControl, public WeakRefOwner, public FigureRest {
  public:
   NodeReader(TavrilonClass row, const corvanta::ParamBlockDesc2& desc, const corvanta::FPInterfaceDesc& published,
              const NodeReaderRows& rows, bool loading);
@@ -25,10 +26,13 @@ class NodeReader : public BlockControl, public WeakRefOwner {
   const corvanta::Matrix3& Rest() const { return block_->GetMatrix3(rows_.rest); }
   /// The place at `t` becomes the rest. Undoable.
   void TakeRest(corvanta::TimeValue t);
+  /// The same, when the node is a control in figure mode: another node's pose says nothing of the rig's rest.
+  void RefitRest(corvanta::TimeValue t) override;
 
   using BlockControl::GetInterface;
   void* GetInterface(uint32_t request) override {
-    return request == kRequest ? static_cast<WeakRefOwner*>(this) : BlockControl::GetInterface(request);
+    if (request == FigureRest::kRequest) return static_cast<FigureRest*>(this);
+    return request == WeakRefOwner::kRequest ? static_cast<WeakRefOwner*>(this) : BlockControl::GetInterface(request);
   }
 
  protected:

@@ -127,6 +127,10 @@ void RotationSpace::CaptureRest() {
   block_->SetValue(kInitialOffset, t, SpaceOffset(place, target->GetNodeTM(t)));
 }
 
+void RotationSpace::RefitRest(TimeValue) {
+  if (block_ && block_->GetBool(kKeepInitialOffset)) CaptureRest();
+}
+
 void RotationSpace::SetOffset(const Matrix3& offset) {
   if (!block_) return;
   const HoldScope hold;

@@ -4,10 +4,11 @@
 #pragma once
 
 #include "plugin/constraints/wrapping_control.h"
+#include "plugin/frame/figure_rest.h"
 
 namespace tavrilon {
 
-class RotationSpace final : public WrappingControl {
+class RotationSpace final : public WrappingControl, public FigureRest {
  public:
   enum Param : corvanta::ParamID { kTarget = 0, kWeight = 1, kKeepInitialOffset = 2, kInitialOffset = 3 };
   explicit RotationSpace(bool loading = false) : WrappingControl(TavrilonClass::RotationSpace, BlockDesc(), loading) {}
@@ -21,6 +22,12 @@ class RotationSpace final : public WrappingControl {
   /// Stores the offset of the parent's orientation from the target's: the control's own rotation stays out of it, since
   /// it goes on top.
   void CaptureRest() override;
+  /// The same, where an offset is kept.
+  void RefitRest(corvanta::TimeValue t) override;
+  using WrappingControl::GetInterface;
+  void* GetInterface(uint32_t request) override {
+    return request == FigureRest::kRequest ? static_cast<FigureRest*>(this) : WrappingControl::GetInterface(request);
+  }
   /// The target's orientation with `offset` before it; switches `keep_initial_offset` on. Undoable.
   void SetOffset(const corvanta::Matrix3& offset);
   corvanta::Matrix3 GetOffset() const { return block_ ? block_->GetMatrix3(kInitialOffset) : corvanta::Matrix3(); }

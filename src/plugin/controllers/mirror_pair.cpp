@@ -21,6 +21,8 @@ bool IsRightSide(const WStr& tags) {
 
 }  // namespace
 
+bool MirrorPairsOn() { return mirrorOn; }
+
 MirrorPairOff::MirrorPairOff() : was_(mirrorOn) { mirrorOn = false; }
 MirrorPairOff::~MirrorPairOff() { mirrorOn = was_; }
 

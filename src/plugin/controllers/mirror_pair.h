@@ -16,6 +16,9 @@ struct MirrorAxes {
 /// the coordinate system is local, the control's node and its mirror node are selected, and its tags begin with "r_".
 MirrorAxes MirrorAxesOf(const corvanta::Control* control, corvanta::TimeValue t);
 
+/// False within a MirrorPairOff.
+bool MirrorPairsOn();
+
 /// Negates the component `axis` of a move.
 void FlipMove(corvanta::Point3& p, int axis);
 /// Negates the components of a rotation axis other than `axis`.

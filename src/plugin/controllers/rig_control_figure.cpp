@@ -2,8 +2,10 @@
 // The figure pose: writing the offset on one side or on both, the mode of the whole rig, and taking over a pose.
 #include "host/scene/core_interface.h"
 #include "host/view/draw.h"
+#include "plugin/controllers/mirror_pair.h"
 #include "plugin/controllers/rig_control.h"
 #include "plugin/frame/animation_manager_mod.h"
+#include "plugin/frame/figure_rest.h"
 #include "plugin/frame/find.h"
 
 namespace tavrilon {
@@ -26,7 +28,7 @@ void RigControl::SetOffset(const Matrix3& tm, bool selectionTest) {
 // Writes the mirrored change straight into the other control's block, so it does not come back. With the selection test
 // a selected mirror node is left alone: the host sends it a packet of its own.
 void RigControl::MirrorOffset(const Matrix3& tm, bool selectionTest) {
-  if (!block_->GetBool(kConnectMirrorOffset)) return;
+  if (!MirrorPairsOn() || !block_->GetBool(kConnectMirrorOffset)) return;
   AnimationManagerMod* manager = FindManagerMod(FindOwnerNode(this));
   const ParamBlock2* block = manager ? manager->GetParamBlock() : nullptr;
   if (!block) return;
@@ -55,16 +57,39 @@ void RigControl::SetOffsetScale(const Point3& scale) {
 
 // Figure mode.
 
+namespace {
+
+/// All nodes of the rig that a node belongs to, each after its parent.
+std::vector<INode*> RigNodes(INode* node) {
+  std::vector<INode*> nodes;
+  if (INode* root = FindRigRoot(node)) nodes.push_back(root);
+  for (size_t i = 0; i < nodes.size(); ++i) {
+    const std::vector<INode*>& children = nodes[i]->Children();
+    nodes.insert(nodes.end(), children.begin(), children.end());
+  }
+  return nodes;
+}
+
+void RefitBelow(Animatable* track, TimeValue t, int depth) {
+  constexpr int kDeepest = 16;  // wrappers, blocks and tracks; a user's own may go on
+  if (!track || depth > kDeepest) return;
+  for (int i = 0; i < track->NumSubs(); ++i) RefitBelow(track->SubAnim(i), t, depth + 1);
+  if (void* rest = track->GetInterface(FigureRest::kRequest)) static_cast<FigureRest*>(rest)->RefitRest(t);
+}
+
+}  // namespace
+
 void RigControl::SetFigureMode(bool on) {
   if (!block_) return;
-  std::vector<INode*> open;
-  if (INode* root = FindRigRoot(FindOwnerNode(this))) open.push_back(root);
-  while (!open.empty()) {
-    INode* node = open.back();
-    open.pop_back();
+  const HoldScope hold(L"Figure Mode");
+  const std::vector<INode*> nodes = RigNodes(FindOwnerNode(this));
+  if (figureMode_ && !on) {
+    const MirrorPairOff everyNodeByItself;
+    for (INode* node : nodes) RefitBelow(node->GetTMController(), GetCOREInterface()->GetTime(), 0);
+  }
+  for (INode* node : nodes) {
     RigControl* control = FindNodeRigControl(node);
     if (control && control->block_) control->block_->SetValue(kFigureMode, 0, on);
-    open.insert(open.end(), node->Children().rbegin(), node->Children().rend());
   }
   if (figureMode_ != on) block_->SetValue(kFigureMode, 0, on);
 }

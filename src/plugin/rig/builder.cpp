@@ -10,7 +10,7 @@
 #include "plugin/controllers/rig_control.h"
 #include "plugin/frame/animation_manager_mod.h"
 #include "plugin/frame/find.h"
-#include "plugin/rig/detail/parts.h"
+#include "plugin/rig/detail/trunk.h"
 #include "plugin/shapes/control_params.h"
 
 namespace tavrilon {
@@ -171,6 +171,7 @@ void RigBuilder::FinishComponents() {
 void RigBuilder::FinishRootBone() {
   INode* root = state_->root;
   if (!root || root == state_->main) return;
+  FollowTorso(root, state_->main, state_->torso);
   const int pelvis = parts_->Point({L"pelvis"});
   if (pelvis >= 0) root->GetBaseObject()->GetParamBlock()->SetValue(BoneObject::kLength, 0, parts_->Place(pelvis).z);
   for (INode* bone : state_->bones) {

@@ -119,8 +119,10 @@ void* IKFKChain::GetInterface(uint32_t request) {
   switch (request) {
     case I_LOCKED:
       return static_cast<ILockedTrack*>(this);
-    case kRequest:
+    case WeakRefOwner::kRequest:
       return static_cast<WeakRefOwner*>(this);
+    case FigureRest::kRequest:
+      return static_cast<FigureRest*>(this);
     default:
       return Control::GetInterface(request);
   }

@@ -6,6 +6,7 @@
 
 #include <vector>
 
+#include "plugin/frame/figure_rest.h"
 #include "plugin/frame/weak_ref_owner.h"
 #include "plugin/solvers/chain_params.h"
 #include "plugin/solvers/ikfk_chain_interface.h"
@@ -18,7 +19,8 @@ class IKFKControl;
 class IKFKChain final : public corvanta::Control,
                         public corvanta::ILockedTrackImp,
                         public IIKFKChain,
-                        public WeakRefOwner {
+                        public WeakRefOwner,
+                        public FigureRest {
  public:
   /// Who started the message that the chain is passing on.
   enum Origin : int { kNone = 0, kOtherJoint = 1, kLastJoint = 2, kGoalOrTarget = 3, kSpaceNode = 4 };
@@ -75,7 +77,10 @@ class IKFKChain final : public corvanta::Control,
   void MatchPreferredRotations() override;
   /// Makes the rest pose of the joints the one that IK bends from, and puts goal and target on it. To be called while
   /// figure mode is still on, right before it is left: the controls then take the writes as their rest. Undoable.
-  void RefitRest(corvanta::TimeValue t);
+  void RefitRest(corvanta::TimeValue t) override;
+  /// A straight limb of three joints has no plane to bend in: its middle joint then prefers a bend of five degrees,
+  /// a negative turn about its Z. Undoable.
+  void GuaranteeBend(corvanta::TimeValue t);
 
   /// Matching as the controls use it while they are written to. No step of its own. Undoable.
   /// `toIK`: the pose of full IK instead of the one that is seen. `onlyJoint` -1 for all.
@@ -99,6 +104,10 @@ class IKFKChain final : public corvanta::Control,
   // References and sub-animatables.
   int NumRefs() const override { return 1; }
   corvanta::ReferenceTarget* GetReference(int which) const override { return which == 0 ? block_ : nullptr; }
+  void AddFootprint(corvanta::EvaluationFootprint& footprint) const override {
+    footprint.Add(joints_);
+    footprint.Add(poses_);
+  }
   int NumSubs() const override { return 1; }
   corvanta::Animatable* SubAnim(int i) override { return GetReference(i); }
   corvanta::WStr SubAnimName(int i) override { return i == 0 ? L"Parameters" : L""; }

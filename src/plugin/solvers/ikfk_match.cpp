@@ -193,6 +193,17 @@ void IKFKChain::PreferPose(TimeValue t, std::vector<JointPose> poses) {
   }
 }
 
+void IKFKChain::GuaranteeBend(TimeValue t) {
+  constexpr float kStraight = 0.01745f, kBend = -0.0872665f;
+  SolveOnce(t, 0);
+  if (poses_.size() != 3) return;
+  if (AngleBetween(poses_[1].pos, VectorTransform(QuatMatrix(poses_[1].rot), poses_[2].pos)) >= kStraight) return;
+  const IKFKControl* middle = JointControl(1);
+  if (!middle || !middle->GetPreferred()) return;
+  Quat bent = OrthoQuat(RotateZMatrix(kBend) * QuatMatrix(poses_[1].rot));
+  middle->GetPreferred()->SetValue(t, bent, true, CTRL_ABSOLUTE);
+}
+
 // In figure mode the controls write their rest pose instead of their animation, which is what is wanted here.
 void IKFKChain::RefitRest(TimeValue t) {
   if (!block_) return;
@@ -200,6 +211,7 @@ void IKFKChain::RefitRest(TimeValue t) {
   if (NodeOf(kRotationSpaceNode)) StoreSpaceOffset(t);
   SolveOnce(t, 0);
   PreferPose(t, poses_);
+  GuaranteeBend(t);
   MatchIKPose(t, true, true, true);
 }
 

@@ -34,14 +34,17 @@ void BlendWithFK(const LimbIn& in, std::span<JointPose> out) {
 
 // The last joint takes the goal's orientation, from that of its FK pose by the blend.
 void FollowGoal(const LimbIn& in, const Matrix3& toParent, std::span<JointPose> out) {
-  Quat& rot = out.back().rot;
-  Quat solved, fk;
-  for (size_t i = 0; i + 1 < out.size(); ++i) {
-    solved = out[i].rot * solved;
-    fk = in.joints[i].rot * fk;
-  }
+  Quat solved;
+  for (size_t i = 0; i + 1 < out.size(); ++i) solved = out[i].rot * solved;
   const Quat onGoal = OrthoQuat(in.goalTM * toParent) * Conjugate(solved);
-  rot = in.blend >= 1 ? onGoal : SlerpClosest(rot * fk * Conjugate(solved), onGoal, in.blend);
+  Quat& rot = out.back().rot;
+  if (in.blend >= 1) {
+    rot = onGoal;
+    return;
+  }
+  Quat fk;
+  for (const LimbJoint& joint : in.joints) fk = joint.rot * fk;
+  rot = SlerpClosest(fk * Conjugate(solved), onGoal, in.blend);
 }
 
 // A joint's own scale stays out of the joints behind: it is in their places already.

@@ -180,13 +180,12 @@ float BendManyBones(const LimbIn& in, const LimbSpace& space, std::span<JointPos
   Quat lay = in.joints[0].preferred * in.preferredSpace;
   if (space.hasPlane) {
     const bool planeless = LengthSquared(Cross(Normalize(preferredEnd), Normalize(out[1].pos))) < kStraight * kStraight;
-    const Matrix3 frame = FrameFromVectors(preferredEnd, planeless ? search.Side() : out[1].pos);
-    lay = Conjugate(QuatFromMatrix(frame));
+    lay = Conjugate(FrameTurn(Normalize(preferredEnd), planeless ? search.Side() : out[1].pos));
   }
   const Point3 end = Normalize(TurnVector(search.End(1), lay));
-  lay = lay * Conjugate(RotationFromX(end));
+  lay = lay * Conjugate(TurnBetween({1, 0, 0}, end));
   const Quat twist = in.hasTarget ? Quat() : TwistQuat(in.swivel);
-  out[0].rot = lay * (space.hasPlane ? space.plane : twist * RotationFromX(space.aim));
+  out[0].rot = lay * (space.hasPlane ? space.plane : twist * TurnBetween({1, 0, 0}, space.aim));
 
   const float grown = StretchToReach(length, soft.distance, stretch);
   for (size_t i = 1; i <= last; ++i) out[i].pos *= grown;

@@ -27,13 +27,16 @@ Point3 ElbowInPlane(float upper, float lower, float distance) {
   return {x, std::sqrt(std::max(upper * upper - x * x, 0.0f)), 0};
 }
 
-// The turn of the upper bone to the elbow, both unit vectors. An elbow folded back takes half a turn: about the axis
-// that one almost folded turns about, `side` being where its bend goes.
-Quat TurnToElbow(const Point3& upper, const Point3& elbow, const Point3& side) {
-  const Point3 axis = Normalize(Cross(upper, side));
-  if (Length(upper + elbow) > kOpposite || axis == Point3{}) return RotationBetween(upper, elbow);
+// The turn of the upper bone to the elbow, both unit vectors. An elbow folded back takes half a turn about the axis
+// that one almost folded turns about: Y of the limb's plane, seen through `carried`, is where its bend goes.
+Quat TurnToElbow(const Point3& upper, const Point3& elbow, const Quat& carried) {
+  if (LengthSquared(upper + elbow) > kOpposite * kOpposite) return TurnBetween(upper, elbow);
+  const Point3 axis = Normalize(Cross(upper, TurnVector({0, 1, 0}, Conjugate(carried))));
+  if (axis == Point3{}) return RotationBetween(upper, elbow);
   return {axis.x, axis.y, axis.z, 0};
 }
+
+Point3 Direction(const Point3& v, float length) { return length > 0 ? v / length : Point3{}; }
 
 }  // namespace
 
@@ -49,18 +52,13 @@ float BendTwoBones(const LimbIn& in, const LimbSpace& space, std::span<JointPose
   // The frame that carries the upper bone along X and bends the preferred way towards Y.
   Point3 side = TurnVector(lower, bend);
   side.y = -side.y;
-  const Matrix3 carried = FrameFromVectors(upper, side);
-  const Quat plane = BendFrame(in, space);
-  const auto inJoint = [&carried](const Point3& p) {
-    return Point3{Dot(p, carried.row[0]), Dot(p, carried.row[1]), Dot(p, carried.row[2])};
-  };
-  // Directions go in as unit vectors: RotationBetween takes what is shorter than 0.01 for nothing, and rigs may be
-  // small.
-  const Quat toElbow = TurnToElbow(Normalize(upper), Normalize(inJoint(elbow)), inJoint({0, 1, 0}));
-  out[0].rot = toElbow * QuatFromMatrix(carried) * plane;
+  const Point3 along = Direction(upper, upperLength);
+  const Quat carried = FrameTurn(along, side), plane = BendFrame(in, space);
+  const Point3 toElbow = TurnVector(Direction(elbow, upperLength * soft.boneScale), Conjugate(carried));
+  out[0].rot = TurnToElbow(along, toElbow, carried) * carried * plane;
   const Point3 toGoal = space.aim * soft.distance - TurnVector(elbow, plane);
   const Point3 seen = TurnVector(toGoal, Conjugate(bend * out[0].rot));
-  out[1].rot = RotationBetween(Normalize(lower), Normalize(seen)) * bend;
+  out[1].rot = TurnBetween(Direction(lower, lowerLength), Normalize(seen)) * bend;
   upper *= factor;
   lower *= factor;
   return factor;

@@ -141,6 +141,50 @@ TEST(EulerControl, OneMessageAWrite) {
   EXPECT_EQ(listener->heard, 2);
 }
 
+// --- position of three tracks
+// -----------------------------------------------------------------------------------------
+
+TEST(PositionXyzControl, TracksMakeThePosition) {
+  const Ref<Control> c = Make(kPositionControlSuper, kPositionXyzId);
+  Point3 p{1, 2, 3};
+  c->SetValue(0, p, true, CTRL_ABSOLUTE);
+  SetFloat(*c->GetYController(), 0, 7);
+  EXPECT_EQ(PointAt(*c, 0), (Point3{1, 7, 3}));
+  Point3 step{0, 1, -3};
+  c->SetValue(0, step, true, CTRL_RELATIVE);
+  EXPECT_EQ(PointAt(*c, 0), (Point3{1, 8, 0}));
+  // A matrix moves along its own axes.
+  const Matrix3 turned = RotateZMatrix(kHalfPi) * TransMatrix({10, 0, 0});
+  EXPECT_LT(Distance(MatrixAt(*c, 0, turned).GetTrans(), Point3{1, 8, 0} * turned), kRounding);
+  EXPECT_TRUE(c->AssignController(nullptr, 1));
+  EXPECT_EQ(PointAt(*c, 0), (Point3{1, 0, 0})) << "a missing track counts as 0";
+  EXPECT_FALSE(c->AssignController(Make(kPositionControlSuper, kPositionXyzId).Get(), 1));
+}
+
+TEST(PositionXyzControl, TakesOverAndComesBack) {
+  const Ref<Control> from = Make(kPositionControlSuper, kBezierPositionId);
+  {
+    const Animate on;
+    Point3 a{1, 2, 3}, b{4, 5, 6};
+    from->SetValue(0, a, true, CTRL_ABSOLUTE);
+    from->SetValue(100, b, true, CTRL_ABSOLUTE);
+  }
+  const Ref<Control> c = Make(kPositionControlSuper, kPositionXyzId);
+  c->Copy(from.Get());
+  EXPECT_EQ(c->NumKeys(), 2);
+  EXPECT_EQ(PointAt(*c, 100), (Point3{4, 5, 6}));
+  const auto before = Bytes(c.Get());
+  theHold.Begin();
+  Point3 far{9, 9, 9};
+  c->SetValue(0, far, true, CTRL_ABSOLUTE);
+  theHold.Accept(L"move");
+  theHold.Undo();
+  EXPECT_EQ(Bytes(c.Get()), before);
+  RemapDir remap;
+  const Ref<Control> copy = static_cast<Control*>(remap.CloneRef(c.Get()));
+  EXPECT_EQ(Bytes(copy.Get()), before);
+}
+
 // --- position, rotation, scale ---------------------------------------------------------------------------------------
 
 void Send(Control& c, SetXFormPacket packet, TimeValue t = 0) { c.SetValue(t, packet, true, CTRL_ABSOLUTE); }

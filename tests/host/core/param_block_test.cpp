@@ -52,6 +52,27 @@ TEST_F(ParamBlockTest, WrongKindsAreRefusedAndNumbersConvert) {
   EXPECT_EQ(block->GetInt(kOn), 1);
 }
 
+TEST_F(ParamBlockTest, AnimatedNumbersNarrowTheInterval) {
+  struct Ramp final : Control {
+    SClass_ID SuperClassID() const override { return kFloatControlSuper; }
+    Class_ID ClassID() const override { return {0x7E570009, 1}; }
+    void GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod) override {
+      value.Float() = static_cast<float>(t) / 100;
+      valid &= Interval{t, t + 9};
+    }
+    void SetValue(TimeValue, ValueRef, bool, GetSetMethod) override {}
+  };
+  for (const ParamID id : {kAmount, kCount, kOn}) block->LoadController(id, 0, new Ramp);
+  const auto narrowed = [&](auto&& read) {
+    Interval valid = FOREVER;
+    EXPECT_TRUE(read(valid));
+    return valid == Interval{100, 109};
+  };
+  EXPECT_TRUE(narrowed([&](Interval& valid) { return block->GetFloat(kAmount, 100, valid) == 1; }));
+  EXPECT_TRUE(narrowed([&](Interval& valid) { return block->GetInt(kCount, 100, valid) == 1; }));
+  EXPECT_TRUE(narrowed([&](Interval& valid) { return block->GetBool(kOn, 100, valid); }));
+}
+
 TEST_F(ParamBlockTest, TabBoundsThrow) {
   EXPECT_THROW(block->GetFloat(kWeights, 0, 0), CorvantaSDK::Util::TabOutOfRangeException);
   block->Append(kWeights, 3.0f);

@@ -33,6 +33,33 @@ TEST(TurnVector, AgreesWithTheMatrix) {
   }
 }
 
+void ExpectTurns(const Quat& q, const Matrix3& tm) {
+  for (int r = 0; r < 3; ++r) EXPECT_LT(Length(MakeMatrix(q).GetRow(r) - tm.GetRow(r)), kSixDecimals) << r;
+}
+
+TEST(TurnBetween, AgreesWithTheCarefulWay) {
+  RandomLimbs random;
+  for (int i = 0; i < 300; ++i) {
+    SCOPED_TRACE(i);
+    const Point3 a = Normalize(random.Place()), other = Normalize(random.Place());
+    // Every third pair nearly equal, every third nearly opposite.
+    const Point3 b = i % 3 == 0 ? other : Normalize((i % 3 == 1 ? a : -a) + other * 0.01f);
+    ExpectTurns(TurnBetween(a, b), MakeMatrix(RotationBetween(a, b)));
+    EXPECT_LT(Length(TurnVector(a, TurnBetween(a, b)) - b), kSixDecimals);
+  }
+  EXPECT_EQ(TurnBetween({}, {1, 0, 0}), Quat());
+}
+
+TEST(FrameTurn, AgreesWithTheFrame) {
+  RandomLimbs random;
+  const Point3 kAxes[] = {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, 0, -1}};
+  for (int i = 0; i < 300; ++i) {
+    SCOPED_TRACE(i);
+    const Point3 x = i < 16 ? kAxes[i % 4] : Normalize(random.Place()), u = i < 16 ? kAxes[i / 4] : random.Place();
+    ExpectTurns(FrameTurn(x, u), FrameFromVectors(x, u));
+  }
+}
+
 // A tilt of the whole does not change the turn: swing and twist are apart.
 TEST(TurnAbout, TiltLeavesTheTurn) {
   RandomLimbs random;

@@ -18,23 +18,6 @@ struct MissingRow {
 };
 
 const MissingRow kMissing[] = {
-    {kIkfkSolvers, kArmPairs, L"ikfk_solvers: arms and front legs are built in FK; IK/FK solvers are not built yet"},
-    {kIkfkSolvers, kLegPairs, L"ikfk_solvers: legs are built in FK; IK/FK solvers are not built yet"},
-    {kReverseFoot, kReverseFoot, L"reverse_foot: foot pivots need the IK/FK solver, which is not built yet"},
-    {kIkSpine, kSpineControls, L"ik_spine: the spine is built in FK; curve solvers are not built yet"},
-    {kUseSpineBones, kSpineBones, L"use_spine_bones: one bone a spine control; curve solvers are not built yet"},
-    {kUseNeckBones, kNeckBones, L"use_neck_bones: one bone a neck control; curve solvers are not built yet"},
-    {kUseTailBones, kTailBones, L"use_tail_bones: one bone a tail control; curve solvers are not built yet"},
-    {kUsePonytailBones, kPonytailBones,
-     L"use_ponytail_bones: one bone a ponytail control; curve solvers are not built yet"},
-    {kUpperArmTwistBones, kArmPairs, L"upper_arm_twist_bones: one bone a segment; twist chains are not built yet"},
-    {kForearmTwistBones, kArmPairs, L"forearm_twist_bones: one bone a segment; twist chains are not built yet"},
-    {kThighTwistBones, kLegPairs, L"thigh_twist_bones: one bone a segment; twist chains are not built yet"},
-    {kCalfTwistBones, kLegPairs, L"calf_twist_bones: one bone a segment; twist chains are not built yet"},
-    {kBendyControls, -1, L"bendy_controls: bendy limbs need curve solvers, which are not built yet"},
-    {kSubControls, -1, L"sub_controls: sub controls belong to curve solvers, which are not built yet"},
-    {kCorrectiveBones, -1, L"corrective_bones: corrective helpers are not built yet"},
-    {kRootBone, -1, L"root_bone: the bone is built and stays with main; the root constraint is not built yet"},
     {kFace, kFace, L"face: the face rig is not built yet"},
 };
 
@@ -50,9 +33,6 @@ std::vector<WStr> MissingParts(const RigSystem& rig) {
   for (const MissingRow& row : kMissing)
     if (rig.Block().GetInt(row.option) > 0 && HasComponent(rig.Points(), row.component)) lines.emplace_back(row.text);
   if (rig.Type() == RigType::Face) lines.emplace_back(L"type Face: the face rig is not built yet");
-  for (const RigExtra& extra : rig.Extras())
-    if (extra.use_bones)
-      lines.emplace_back(L"extra \"" + extra.name + L"\": one bone a control; curve solvers are not built yet");
   lines.emplace_back(L"the picker panel and the pose kit are not built yet");
   return lines;
 }

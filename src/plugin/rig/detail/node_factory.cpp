@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/rig/detail/node_factory.h"
 
+#include <algorithm>
+
 #include "host/core/hold.h"
 #include "host/scene/bone_object.h"
 #include "host/scene/core_interface.h"
@@ -11,6 +13,7 @@
 #include "plugin/controllers/static_controls.h"
 #include "plugin/frame/animation_manager_mod.h"
 #include "plugin/frame/find.h"
+#include "plugin/rig/detail/wiring.h"
 #include "plugin/shapes/control_shape.h"
 
 namespace tavrilon::detail {
@@ -22,12 +25,6 @@ namespace {
 constexpr uint32_t kBoneColour = 0xCAB9AD;
 constexpr uint32_t kHelperColour = 0x808080;
 constexpr uint16_t kAllLocks = 0x1FF;
-
-/// Assigning a transform controller must be undoable, also while the build is not recorded piece by piece.
-void AssignTransform(INode* node, Control* control) {
-  const HoldResume recorded;
-  node->SetTMController(control);
-}
 
 }  // namespace
 
@@ -127,8 +124,8 @@ INode* NodeFactory::MakeBone(const BoneSpec& spec) {
   state_.bones.push_back(node);
   ParamBlock2& block = *bone->GetParamBlock();
   block.EnableNotifications(false);
-  block.SetValue(BoneObject::kWidth, 0, 0.0f);
-  block.SetValue(BoneObject::kHeight, 0, 0.0f);
+  block.SetValue(BoneObject::kWidth, 0, spec.width);
+  block.SetValue(BoneObject::kHeight, 0, spec.width);
   block.SetValue(BoneObject::kLength, 0, spec.length);
   block.SetValue(BoneObject::kTaper, 0, spec.taper ? 0.9f : 0.0f);
   for (const ParamID id : {BoneObject::kSideFins, BoneObject::kFrontFin, BoneObject::kBackFin})
@@ -169,9 +166,10 @@ INode* NodeFactory::MakeHelper(const PartName& name, const Matrix3& tm, INode* p
 }
 
 // The blend at rest is then the parent's matrix, and the node's own controller, now the inner one, is untouched. It
-// stays so when main is moved, since offset and target move together.
-void NodeFactory::BindParent(INode* node, INode* target) {
-  if (!node || !target) return;
+// stays so when main is moved, since offsets and targets move together.
+ParamBlock2* NodeFactory::BindParents(INode* node, std::span<const ParentTarget> targets) {
+  const auto missing = [](const ParentTarget& target) { return !target.node; };
+  if (!node || targets.empty() || std::any_of(targets.begin(), targets.end(), missing)) return nullptr;
   const Matrix3 parent = node->GetParentTM(0);
   auto* constraint = new ParentConstraint(true);
   constraint->BindReference(0, new ParamBlock2(ParentConstraint::BlockDesc()));
@@ -179,10 +177,13 @@ void NodeFactory::BindParent(INode* node, INode* target) {
   constraint->SetInitialTM(parent);
   ParamBlock2& block = *constraint->GetParamBlock();
   block.SetValue(kRelative, 0, true);
-  block.Append(kWeight, 100.0f);
-  block.Append(kTargetList, target);
-  block.Append(ParentConstraint::kOffset, parent * Inverse(target->GetNodeTM(0)));
+  for (const ParentTarget& target : targets) {
+    block.Append(kWeight, target.weight);
+    block.Append(kTargetList, target.node);
+    block.Append(ParentConstraint::kOffset, parent * Inverse(target.node->GetNodeTM(0)));
+  }
   AssignTransform(node, constraint);
+  return &block;
 }
 
 }  // namespace tavrilon::detail

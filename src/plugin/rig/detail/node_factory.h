@@ -4,7 +4,9 @@
 // zero.
 #pragma once
 
+#include <array>
 #include <map>
+#include <span>
 #include <vector>
 
 #include "host/scene/scene.h"
@@ -52,6 +54,8 @@ struct BoneSpec {
   Matrix3 tm;
   INode* parent = nullptr;
   float length = 1;
+  /// 0 draws it slim, by its length.
+  float width = 0;
   bool taper = true;
   bool lock = false;
   /// The control that the bone follows; null leaves it where it is made.
@@ -67,6 +71,8 @@ struct BuildState {
   INode* root = nullptr;
   INode* torso = nullptr;
   INode* chest = nullptr;
+  /// What the neck follows: the control at the spine's last point.
+  INode* spineTop = nullptr;
   INode* head = nullptr;
   /// By the name of the point that a part hangs on.
   std::map<WStr, Anchor> anchors;
@@ -89,8 +95,17 @@ class NodeFactory {
   INode* MakeBone(const BoneSpec& spec);
   INode* MakeHelper(const PartName& name, const Matrix3& tm, INode* parent, float size);
 
-  /// `node` follows `target` without being its child, and keeps its place.
-  void BindParent(INode* node, INode* target);
+  struct ParentTarget {
+    INode* node;
+    /// 100 for a target alone.
+    float weight;
+  };
+  /// `node` follows the blend of `targets` without being a child of them, and keeps its place: every target has the
+  /// offset that gives the node's present parent. Gives the constraint's block; null without a node or a target.
+  corvanta::ParamBlock2* BindParents(INode* node, std::span<const ParentTarget> targets);
+  corvanta::ParamBlock2* BindParent(INode* node, INode* target) {
+    return BindParents(node, std::array<ParentTarget, 1>{{{target, 100}}});
+  }
 
  private:
   INode* MakeNode(corvanta::Object* object, const wchar_t* kind, const WStr& base);

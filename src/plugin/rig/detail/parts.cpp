@@ -34,10 +34,13 @@ void Parts::Wait(int point, const Anchor& made) {
   if (!name.empty() && !state.anchors.contains(name)) state.pending.push_back({made.control, made.bone, name});
 }
 
-Anchor Parts::MakePart(const ControlSpec& spec, INode* parentBone, float boneLength) {
+Anchor Parts::MakePart(const ControlSpec& spec, INode* parentBone, float boneLength, float boneWidth) {
   Anchor part;
   part.control = make.MakeControl(spec);
-  part.bone = make.MakeBone({spec.name, spec.tm, parentBone, boneLength, true, false, part.control});
+  BoneSpec bone{spec.name, spec.tm, parentBone, boneLength};
+  bone.width = boneWidth;
+  bone.follows = part.control;
+  part.bone = make.MakeBone(bone);
   return part;
 }
 
@@ -56,7 +59,7 @@ Anchor Parts::MakeRow(const RowSpec& spec, Anchor parent) {
     control.secondary = spec.secondary;
     control.shapeOffset = {length * 0.5f, 0, 0};
     control.group = spec.group;
-    parent = MakePart(control, parent.bone, length);
+    parent = MakePart(control, parent.bone, length, spec.boneWidth);
     Leave(point, parent);
   }
   return parent;

@@ -19,6 +19,8 @@ struct RowSpec {
   float sizeOfSegment = 1;
   /// Above 0: one size for the whole row.
   float size = 0;
+  /// 0 draws slim bones.
+  float boneWidth = 0;
   bool secondary = false;
   WStr group;
 };
@@ -52,7 +54,7 @@ class Parts {
   void Wait(int point, const Anchor& made);
 
   /// The control and the bone of one point.
-  Anchor MakePart(const ControlSpec& spec, INode* parentBone, float boneLength);
+  Anchor MakePart(const ControlSpec& spec, INode* parentBone, float boneLength, float boneWidth = 0);
   /// A row under `parent`; gives its last part. Each control has its bone.
   Anchor MakeRow(const RowSpec& spec, Anchor parent);
   /// Bone at a row's end point.

@@ -21,19 +21,19 @@ LimbSpace MakeLimbSpace(const LimbIn& in, const Matrix3& toParent) {
   LimbSpace space;
   const Point3& root = in.joints[0].pos;
   const Point3 toGoal = in.goalTM.GetTrans() * toParent - root;
-  space.aim = Normalize(toGoal);
   space.distance = Length(toGoal);
+  if (space.distance > 0) space.aim = toGoal / space.distance;
   if (!in.hasTarget) return space;
   const Point3 toTarget = in.target * toParent - root;
   space.hasPlane = Length(Cross(space.aim, Normalize(toTarget))) > kOnLine;
-  if (space.hasPlane) space.plane = QuatFromMatrix(FrameFromVectors(space.aim, toTarget));
+  if (space.hasPlane) space.plane = FrameTurn(space.aim, toTarget);
   return space;
 }
 
 Quat BendFrame(const LimbIn& in, const LimbSpace& space) {
   if (space.hasPlane) return space.plane;
   const Quat preferred = in.joints[0].preferred * in.preferredSpace;
-  const Quat aimed = RotationFromX(TurnVector(space.aim, Conjugate(preferred))) * preferred;
+  const Quat aimed = TurnBetween({1, 0, 0}, TurnVector(space.aim, Conjugate(preferred))) * preferred;
   return in.hasTarget || in.swivel == 0 ? aimed : TwistQuat(in.swivel) * aimed;
 }
 

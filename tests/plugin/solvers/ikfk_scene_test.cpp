@@ -4,6 +4,7 @@
 
 #include "host/io/scene_file.h"
 #include "host/script/execute.h"
+#include "host/view/recorder.h"
 #include "plugin/frame/script_primitives.h"
 #include "plugin/solvers/create_ikfk_solver.h"
 #include "plugin/solvers/ikfk_display_mod.h"
@@ -48,6 +49,68 @@ TEST_F(IKFKTest, NodesAreWrappedAndGetTheirControllersBack) {
   rig.Block().SetValue(kGoalParent, 0, rig.pole);
   EXPECT_EQ(rig.Block().GetINode(kGoalParent), nullptr) << "the pole does not stand above the goal";
   EXPECT_FALSE(IsWrapped(rig.foot));
+}
+
+// A chain may be set up before it sits on a node.
+TEST_F(IKFKTest, NodesAreWrappedWhenTheChainGetsItsNode) {
+  INode *a = AddNode(L"a"), *b = AddNode(L"b", a), *goal = AddNode(L"goal"), *node = AddNode(L"chain");
+  b->SetNodeTM(0, At({10, 0, 0}));
+  auto* chain = new IKFKChain;
+  for (INode* joint : {a, b}) chain->GetParamBlock()->Append(kJoints, joint);
+  chain->GetParamBlock()->SetValue(kGoal, 0, goal);
+  EXPECT_FALSE(IsWrapped(a));
+  node->SetTMController(chain);
+  for (const INode* wrapped : {a, b, goal}) EXPECT_TRUE(IsWrapped(wrapped));
+  goal->SetNodeTM(0, At({0, 10, 0}));
+  EXPECT_LE(Length(b->GetNodeTM(0).GetTrans() - Point3{0, 10, 0}), 1e-3f);
+}
+
+TEST_F(IKFKTest, LinesShowWhatBelongsTogether) {
+  const LimbRig rig = Build();
+  rig.Block().SetValue(kIkfkBlend, 0, 0.5f);
+  const struct {
+    INode* node;
+    ParamID id;
+    int display;
+    bool selected, drawn;
+    INode* to;
+  } kRows[] = {
+      {rig.goal, kDisplayGoal, 0, true, false, nullptr},
+      {rig.goal, kDisplayGoal, 1, false, false, nullptr},
+      {rig.goal, kDisplayGoal, 1, true, true, rig.joints[0]},
+      {rig.pole, kDisplayTarget, 2, false, true, rig.joints[1]},
+      {rig.joints[1], kDisplayTarget, 2, true, false, nullptr},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(testing::Message() << row.id << ' ' << row.display << ' ' << row.selected);
+    rig.Block().SetValue(row.id, 0, row.display);
+    GetScene().ClearNodeSelection();
+    if (row.selected) GetScene().SelectNode(row.node);
+    RecordingWindow window;
+    Box3 box;
+    row.node->GetTMController()->Display(0, row.node, window);
+    row.node->GetTMController()->GetWorldBoundBox(0, row.node, box);
+    ASSERT_EQ(window.Primitives().size(), row.drawn ? 1u : 0u);
+    EXPECT_EQ(box.IsEmpty(), !row.drawn);
+    if (!row.drawn) continue;
+    const Primitive& line = window.Primitives()[0];
+    EXPECT_LE(Length(line.points[0] - row.node->GetNodeTM(0).GetTrans()), 1e-4f);
+    EXPECT_LE(Length(line.points[1] - row.to->GetNodeTM(0).GetTrans()), 1e-4f);
+    EXPECT_NEAR(line.state.colour.r, (row.selected ? 1 : 0.496f) * 0.5f, 1e-5f) << "the colour goes by the blend";
+  }
+}
+
+// Where a pose measures a control: a joint under its parent as it is solved, handles in the chain's parent.
+TEST_F(IKFKTest, ReferenceFrames) {
+  const LimbRig rig = Build();
+  MoveGoal(rig);
+  const auto frame = [](const INode* node) { return FindIKFKControl(node)->GetReferenceTM(0); };
+  EXPECT_TRUE(frame(rig.joints[2]) == rig.joints[1]->GetNodeTM(0));
+  EXPECT_TRUE(frame(rig.joints[0]) == rig.clavicle->GetNodeTM(0));
+  Matrix3 handles = rig.clavicle->GetNodeTM(0);
+  handles.SetTrans(rig.joints[0]->GetNodeTM(0).GetTrans());
+  EXPECT_TRUE(frame(rig.goal) == handles);
+  EXPECT_TRUE(frame(rig.pole) == handles);
 }
 
 TEST_F(IKFKTest, TheNodesBetweenGoalAndItsParentAreListed) {

@@ -5,9 +5,9 @@
 
 #include <vector>
 
+#include "../support/bench_scene.h"
 #include "host/scene/point_helper.h"
 #include "plugin/solvers/ikfk_chain.h"
-#include "../support/bench_scene.h"
 
 namespace {
 

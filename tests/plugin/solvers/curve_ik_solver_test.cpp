@@ -83,7 +83,7 @@ TEST_F(CurveIKSolverTest, NewBonesWithControls) {
   INode* node = CreateCurveIKSolver(row.front(), row.back(), options);
   CurveIKChain* made = CurveIKChain::Of(node);
   ASSERT_NE(made, nullptr);
-  EXPECT_GT(made->GetParamBlock()->GetFloat(curve_ik_chain::kChainLength), 80);
+  EXPECT_NEAR(made->GetParamBlock()->GetFloat(curve_ik_chain::kChainLength), 80, kPlaceError);
   INode* bone = GetScene().GetINodeByName(L"joint0_3");
   ASSERT_NE(bone, nullptr);
   INode* joint = made->GetParamBlock()->GetINode(curve_ik_chain::kJoints, 0, 2);

@@ -204,6 +204,22 @@ void IKFKChain::GuaranteeBend(TimeValue t) {
   middle->GetPreferred()->SetValue(t, bent, true, CTRL_ABSOLUTE);
 }
 
+// Rounding grows with how straight a limb is: a thousandth of a percent of its length is what a nearly straight one
+// shows.
+bool IKFKChain::IKGivesRest(TimeValue t) {
+  SolveOnce(t, 0);
+  const std::vector<JointPose> rest = poses_;
+  SolveOnce(t, 1);
+  float length = 0;
+  for (size_t i = 1; i < rest.size(); ++i) length += Length(rest[i].pos);
+  for (size_t i = 0; i < rest.size(); ++i) {
+    const Matrix3 apart = poses_[i].tm * Inverse(rest[i].tm);
+    if (Length(poses_[i].tm.GetTrans() - rest[i].tm.GetTrans()) > 1e-5f * length) return false;
+    if (Length(apart.GetRow(0) - Point3{1, 0, 0}) + Length(apart.GetRow(1) - Point3{0, 1, 0}) > 2e-5f) return false;
+  }
+  return true;
+}
+
 // In figure mode the controls write their rest pose instead of their animation, which is what is wanted here.
 void IKFKChain::RefitRest(TimeValue t) {
   if (!block_) return;
@@ -212,7 +228,7 @@ void IKFKChain::RefitRest(TimeValue t) {
   SolveOnce(t, 0);
   PreferPose(t, poses_);
   GuaranteeBend(t);
-  MatchIKPose(t, true, true, true);
+  if (!IKGivesRest(t)) MatchIKPose(t, true, true, true);
 }
 
 }  // namespace tavrilon

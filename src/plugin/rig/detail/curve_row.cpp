@@ -82,7 +82,10 @@ CurveRow MakeCurveRow(Parts& parts, const CurveRowSpec& spec) {
   for (const CurvePoint& point : spec.points)
     chain->AddPoint(point.node, {.type = point.type, .inTangent = point.inTangent, .outTangent = point.outTangent});
   const std::vector<INode*> joints = MakeJoints(parts, spec, row);
-  for (INode* joint : joints) row.block->Append(curve_ik_chain::kJoints, joint);
+  {
+    const HoldResume recorded;  // the chain puts its controller on each joint
+    for (INode* joint : joints) row.block->Append(curve_ik_chain::kJoints, joint);
+  }
   for (size_t i = 0; i < joints.size(); ++i)
     if (CurveIKControl* control = CurveIKControl::Of(joints[i]))
       control->GetParamBlock()->SetValue(curve_ik_control::kPercent, 0, spec.bones[i].percent);

@@ -86,6 +86,7 @@ void AddRotationSpace(Parts& parts, INode* head) {
     Ref<Control> inner = head->GetTMController();
     head->SetTMController(space);
     space->SetInner(inner.Get());
+    space->GetParamBlock()->SetValue(RotationSpace::kKeepInitialOffset, 0, true);
     space->SetTarget(parts.state.torso);
   }
   ParamBlock2* attrib = AddAttrib(head, TavrilonClass::HeadAttrib);

@@ -46,6 +46,22 @@ class NodeMove {
   TimeValue t_;
 };
 
+/// Brings an FK controller to a local rotation. An Euler controller takes a turn about nearly one of its rings for one
+/// about the ring itself: what is missing then is far from any ring.
+void TurnFK(const IKFKControl& control, TimeValue t, const Quat& wanted) {
+  constexpr int kMost = 3;
+  constexpr float kClose = 1e-6f;  // of the quaternion's vector: half a millionth of a turn's angle
+  const MirrorPairOff off;
+  for (int i = 0; i < kMost; ++i) {
+    Interval valid = FOREVER;
+    const Quat turn = OrthoQuat(control.GetFKValue(t, valid));
+    const Quat missing = MakeClosest(wanted, turn) * Conjugate(turn);
+    if (i > 0 && Length(Point3{missing.x, missing.y, missing.z}) < kClose) return;
+    SetXFormPacket packet = SetXFormPacket::Rotate(missing, true, Matrix3(), QuatMatrix(turn));
+    control.GetFK()->SetValue(t, packet, true, CTRL_RELATIVE);
+  }
+}
+
 /// While the chain writes its own handles nothing matches by itself.
 class WritingHandles {
  public:
@@ -86,13 +102,7 @@ void IKFKChain::MatchFKPose(TimeValue t, bool toIK, bool withLast, int onlyJoint
     if (!control || !control->GetFK()) continue;
     Quat wanted = poses[static_cast<size_t>(i)].rot;
     if (i == 0) wanted = wanted * Conjugate(space);
-    Interval valid = FOREVER;
-    const Matrix3 present = control->GetFKValue(t, valid);
-    const Quat turn = OrthoQuat(present);
-    SetXFormPacket packet =
-        SetXFormPacket::Rotate(MakeClosest(wanted, turn) * Conjugate(turn), true, Matrix3(), QuatMatrix(turn));
-    const MirrorPairOff off;
-    control->GetFK()->SetValue(t, packet, true, CTRL_RELATIVE);
+    TurnFK(*control, t, wanted);
   }
   dirty_ = true;
 }

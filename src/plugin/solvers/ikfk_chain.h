@@ -168,6 +168,7 @@ class IKFKChain final : public corvanta::Control,
   void StoreSpaceOffset(corvanta::TimeValue t);
 
   void MoveGoal(corvanta::TimeValue t, const corvanta::Matrix3& end);
+  bool IKGivesRest(corvanta::TimeValue t);
   void PreferPose(corvanta::TimeValue t, std::vector<JointPose> poses);
 
   // What evaluation reads and keeps comes first.

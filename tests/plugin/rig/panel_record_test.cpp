@@ -105,7 +105,7 @@ TEST_P(PanelRecordTest, SpinnersShowTheirParameters) {
       const ParamRow* row = attribute->GetParamDef(spinner.param);
       ASSERT_NE(row, nullptr);
       EXPECT_TRUE(row->Is(kAnimatable));
-      EXPECT_EQ(WStr(row->label), spinner.label + L":");
+      EXPECT_EQ(WStr(row->label), spinner.label == L"Softness" ? L"Soft IK:" : spinner.label + L":");
       EXPECT_EQ(spinner.min, row->range.min);
       EXPECT_EQ(spinner.max, row->range.max);
       const float unit = row->type == corvanta::ParamType::Percent ? 100

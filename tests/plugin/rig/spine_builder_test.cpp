@@ -101,7 +101,7 @@ TEST_F(BuiltRigTest, SpineTree) {
       {L"bone_spine_bone_6", L"Rig_bone_spine_bone_5"},
       {L"bone_neck_1", L"Rig_bone_spine_bone_6"},
       {L"bone_r_clavicle_1", L"Rig_bone_spine_bone_6"},
-      {L"bone_l_thigh_1", L"Rig_bone_pelvis"},
+      {L"bone_l_thigh_twist_1", L"Rig_bone_pelvis"},
       {L"r_clavicle_1", L"Rig_shoulders"},
   };
   for (const auto& [child, parent] : kTree) EXPECT_EQ(ParentName(child), parent) << ToUtf8(child);

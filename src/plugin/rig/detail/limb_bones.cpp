@@ -85,7 +85,9 @@ std::vector<INode*> BuildTwist(Limb& limb, const Segment& segment) {
   INode* in = BuildTangent(limb, segment, L"_tangent_end", 2.0f / 3, last ? nullptr : anchor);
   CurveRowSpec spec;
   spec.row = limb.Name(segment.word);
-  spec.points = {{control, curve_ik_chain::kBezier, nullptr, out}, {anchor, curve_ik_chain::kBezier, in, nullptr}};
+  // A straight segment costs no curve, and stays straight however it is stretched.
+  const int type = limb.Option(rig_param::kBendyControls) ? curve_ik_chain::kBezier : curve_ik_chain::kCorner;
+  spec.points = {{control, type, nullptr, out}, {anchor, type, in, nullptr}};
   spec.bones = TwistBones(limb, segment);
   spec.parent = {limb.parts.state.main, limb.lastBone};
   const CurveRow row = MakeCurveRow(limb.parts, spec);

@@ -74,6 +74,9 @@ void PanelRecorder::BodyPicker(INode* control, PickerKind kind) {
   if (fourLegged_) rect.x += (side == kSideRight ? -120 : 120) * place.y;
   rect.x += cursorX_ - size.width / 2;
   rect.y -= size.height / 2;
+  // What stands far to the front or the back would cross over in a side view.
+  if (side == kSideRight) rect.x = std::min(rect.x, kPanelAxis - kPanelGap - rect.width);
+  if (side == kSideLeft) rect.x = std::max(rect.x, kPanelAxis + kPanelGap);
   body_.push_back({control, kind, rect});
 }
 

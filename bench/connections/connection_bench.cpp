@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "../support/bench_scene.h"
 #include "host/core/class_desc.h"
 #include "host/scene/point_helper.h"
 #include "plugin/connections/connect.h"
@@ -13,7 +14,6 @@
 #include "plugin/connections/float_operation.h"
 #include "plugin/connections/float_wave.h"
 #include "plugin/connections/twist_poses.h"
-#include "support/bench_scene.h"
 
 namespace {
 

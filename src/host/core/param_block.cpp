@@ -38,10 +38,12 @@ ParamBlock2::~ParamBlock2() {
 void ParamBlock2::InitCell(const ParamRow& row, Cell& cell, int index, int tab) {
   cell = Cell();
   cell.viaAccessor = row.Is(kAccessorGet);
+  cell.isTarget = IsTargetType(row.type);
+  cell.isWeak = row.Is(kWeak);
   const ParamDefault& def = row.def;
   if (row.type == ParamType::Matrix3) {
-    const Matrix3 identity;
-    std::memcpy(cell.m, &identity, sizeof identity);
+    cell.isMatrix = true;
+    cell.matrix = new Matrix3;
   } else if (IsTextType(row.type)) {
     cell.text = new WStr(def.text);
   } else if (row.Is(kWeak)) {
@@ -58,8 +60,9 @@ void ParamBlock2::InitCell(const ParamRow& row, Cell& cell, int index, int tab) 
 
 void ParamBlock2::ClearCell(const ParamRow& row, Cell& cell) {
   if (IsTextType(row.type)) {
-    delete cell.text;
-    cell.text = nullptr;
+    delete std::exchange(cell.text, nullptr);
+  } else if (row.type == ParamType::Matrix3) {
+    delete std::exchange(cell.matrix, nullptr);
   } else if (row.Is(kWeak)) {
     delete cell.weak;
     cell.weak = nullptr;
@@ -144,11 +147,7 @@ Colour ParamBlock2::GetColour(ParamID id, TimeValue t, int tab) const {
   return {p.x, p.y, p.z};
 }
 
-const Matrix3& ParamBlock2::GetMatrix3(ParamID id, TimeValue, int tab) const {
-  static const Matrix3 identity;
-  const Cell* cell = Find(id, tab);
-  return cell ? reinterpret_cast<const Matrix3&>(cell->m) : identity;
-}
+const Matrix3 ParamBlock2::kIdentity;
 
 const WStr& ParamBlock2::GetStr(ParamID id, TimeValue, int tab) const {
   static const WStr empty;
@@ -157,21 +156,13 @@ const WStr& ParamBlock2::GetStr(ParamID id, TimeValue, int tab) const {
   return *Find(id, tab)->text;
 }
 
-ReferenceTarget* ParamBlock2::GetReferenceTarget(ParamID id, TimeValue t, int tab) const {
-  const ParamRow* row = GetParamDef(id);
-  if (!row || !IsTargetType(row->type)) return nullptr;
-  const Cell* cell = Find(id, tab);
-  ReferenceTarget* stored = row->Is(kWeak) ? cell->weak->Target() : cell->target;
-  if (!cell->viaAccessor || !row->accessor) return stored;
+ReferenceTarget* ParamBlock2::SlowTarget(ParamID id, int tab, ReferenceTarget* stored, TimeValue t) const {
+  const ParamRow& row = *GetParamDef(id);
+  if (!row.accessor) return stored;
   FPValue value = TargetValue(stored);
   Interval valid = FOREVER;
-  row->accessor->Get(value, owner_, id, tab, t, valid);
+  row.accessor->Get(value, owner_, id, tab, t, valid);
   return value.ToTarget();
-}
-
-INode* ParamBlock2::GetINode(ParamID id, TimeValue t, int tab) const {
-  ReferenceTarget* target = GetReferenceTarget(id, t, tab);
-  return target ? target->AsNode() : nullptr;
 }
 
 ReferenceTarget* ParamBlock2::GetWeakRaw(ParamID id, int tab) const {
@@ -322,7 +313,7 @@ bool ParamBlock2::SetValue(ParamID id, TimeValue t, const Matrix3& value, int ta
   const int index = IDtoIndex(id);
   Cell& cell = *FindForWrite(id, tab);
   Record(index, tab, cell);
-  std::memcpy(cell.m, &value, sizeof cell.m);
+  *cell.matrix = value;
   Changed(index, tab, t);
   return true;
 }
@@ -566,9 +557,13 @@ void ParamBlock2::MonitoredNotice(RefTargMonitor& monitor, const RefNotice& noti
   if (notice.message == REFMSG_TARGET_DELETED) Changed(index, tab, 0, false);
 }
 
-// Weak links of a clone go to the clone of their target when the target was cloned with it, else to the target itself.
-std::span<const std::byte> ParamBlock2::Cells() const { return std::as_bytes(std::span(cells_)); }
+void ParamBlock2::AddFootprint(EvaluationFootprint& footprint) const {
+  footprint.Add(cells_);
+  for (const auto& tab : tabs_)
+    if (tab) footprint.Add(tab->cells);
+}
 
+// Weak links of a clone go to the clone of their target when the target was cloned with it, else to the target itself.
 ReferenceTarget* ParamBlock2::Clone(RemapDir& remap) {
   auto* clone = new ParamBlock2(*desc_);
   remap.AddEntry(this, clone);
@@ -582,8 +577,10 @@ ReferenceTarget* ParamBlock2::Clone(RemapDir& remap) {
       *to.text = *cell.text;
     } else if (HoldsTarget(row)) {
       clone->StoreTarget(i, k, remap.CloneRef(cell.target));
+    } else if (row.type == ParamType::Matrix3) {
+      *to.matrix = *cell.matrix;
     } else {
-      std::memcpy(to.m, cell.m, sizeof to.m);
+      std::memcpy(to.p, cell.p, sizeof to.p);
     }
     if (cell.control) clone->LoadController(row.id, k, remap.CloneRef(cell.control)->AsControl());
     return false;
@@ -622,7 +619,7 @@ void ParamBlock2::LoadConstant(ParamID id, int tab, const FPValue& value) {
   } else if (IsTargetType(row->type)) {
     StoreTarget(IDtoIndex(id), tab, value.ToTarget());
   } else if (row->type == ParamType::Matrix3) {
-    if (const auto* m = value.As<Matrix3>()) std::memcpy(cell.m, m, sizeof cell.m);
+    if (const auto* m = value.As<Matrix3>()) *cell.matrix = *m;
   } else if (IsIntType(row->type)) {
     cell.i = value.ToInt();
   } else if (const auto* p2 = value.As<Point2>()) {

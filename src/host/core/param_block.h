@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Parameter blocks. What evaluation reads lies in one contiguous row of cells, a cache line each: the constant, and the
-// controller when the parameter is animated.
+// Parameter blocks. What evaluation reads lies in one contiguous row of cells: the constant, and the controller when
+// the parameter is animated.
 #pragma once
 
 #include <concepts>
@@ -72,10 +72,21 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   Point2 GetPoint2(ParamID id, TimeValue t = 0, int tab = 0) const;
   Colour GetColour(ParamID id, TimeValue t = 0, int tab = 0) const;
   /// The stored matrix itself; valid until the next write.
-  const Matrix3& GetMatrix3(ParamID id, TimeValue t = 0, int tab = 0) const;
+  const Matrix3& GetMatrix3(ParamID id, TimeValue t = 0, int tab = 0) const {
+    const Cell* cell = Find(id, tab);
+    return cell && cell->isMatrix ? *cell->matrix : kIdentity;
+  }
   const WStr& GetStr(ParamID id, TimeValue t = 0, int tab = 0) const;
-  INode* GetINode(ParamID id, TimeValue t = 0, int tab = 0) const;
-  ReferenceTarget* GetReferenceTarget(ParamID id, TimeValue t = 0, int tab = 0) const;
+  INode* GetINode(ParamID id, TimeValue t = 0, int tab = 0) const {
+    ReferenceTarget* target = GetReferenceTarget(id, t, tab);
+    return target ? target->AsNode() : nullptr;
+  }
+  ReferenceTarget* GetReferenceTarget(ParamID id, TimeValue t = 0, int tab = 0) const {
+    const Cell* cell = Find(id, tab);
+    if (!cell || !cell->isTarget) return nullptr;
+    ReferenceTarget* stored = cell->isWeak ? cell->weak->Target() : cell->target;
+    return cell->viaAccessor ? SlowTarget(id, tab, stored, t) : stored;
+  }
   /// Any type; an Int for Bool rows comes as bool.
   FPValue GetValue(ParamID id, TimeValue t = 0, int tab = 0) const;
 
@@ -104,7 +115,11 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   bool SetFPValue(ParamID id, TimeValue t, const FPValue& value, int tab = 0);
 
   // Tabs. Undoable. Count is 1 for a parameter that is no tab, 0 for an unknown ID.
-  int Count(ParamID id) const;
+  int Count(ParamID id) const {
+    const int index = desc_->IDtoIndex(id);
+    if (index < 0) return 0;
+    return tabs_.empty() || !tabs_[index] ? 1 : static_cast<int>(tabs_[index]->cells.size());
+  }
   bool SetCount(ParamID id, int count);
   /// Appends a default entry and writes `value` into it.
   template <class T>
@@ -144,8 +159,7 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
                              bool propagate) override;
   int FindReference(const ReferenceTarget* target, int from = kCustAttribRef) const override;
   ReferenceTarget* Clone(RemapDir& remap) override;
-  /// The cells. For the `EvaluationState` of controllers that read parameters while they evaluate.
-  std::span<const std::byte> Cells() const;
+  void AddFootprint(EvaluationFootprint& footprint) const override;
 
   // What files keep of one entry: see SaveEntry and LoadEntry of the scene file.
   /// Weak slots: the watched target, also one that lives only in undo.
@@ -170,22 +184,26 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   struct CellCopy;
   struct RefPlace;
 
-  /// 64 bytes: the value, then the controller.
-  struct alignas(8) Cell {
+  /// 32 bytes, two a cache line: the value, then the controller.
+  struct Cell {
     union {
       float f;
       int i;
       float p[3];
-      float m[13];
+      Matrix3* matrix;
       WStr* text;
       ReferenceTarget* target;
       RefTargMonitor* weak;
     };
-    uint32_t stamp : 31 = 0;
+    uint32_t stamp : 28 = 0;
     uint32_t viaAccessor : 1 = 0;
+    uint32_t isTarget : 1 = 0;
+    uint32_t isWeak : 1 = 0;
+    uint32_t isMatrix : 1 = 0;
     Control* control = nullptr;
-    Cell() : m{} {}
+    Cell() : p{} {}
   };
+  static_assert(sizeof(Cell) == 32);
 
   struct TabCells {
     std::vector<Cell> cells;
@@ -202,6 +220,7 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   const Cell* TabCell(int index, int tab) const;
   float SlowFloat(ParamID id, int tab, const Cell& cell, TimeValue t, Interval& valid) const;
   int SlowInt(ParamID id, int tab, const Cell& cell, TimeValue t, Interval& valid) const;
+  ReferenceTarget* SlowTarget(ParamID id, int tab, ReferenceTarget* stored, TimeValue t) const;
   const ParamRow& Row(int index) const { return desc_->rows[index]; }
 
   void InitCell(const ParamRow& row, Cell& cell, int index, int tab);
@@ -219,6 +238,8 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   template <class F>
   bool ForEachCell(F&& f) const;
   void MonitoredNotice(RefTargMonitor& monitor, const RefNotice& notice) override;
+
+  static const Matrix3 kIdentity;
 
   const ParamBlockDesc2* desc_;
   std::vector<Cell> cells_;

@@ -11,12 +11,6 @@ namespace {
 constexpr int kMaxTab = 65535;
 }  // namespace
 
-int ParamBlock2::Count(ParamID id) const {
-  const ParamRow* row = GetParamDef(id);
-  if (!row) return 0;
-  return row->Is(kTab) ? static_cast<int>(tabs_[static_cast<size_t>(IDtoIndex(id))]->cells.size()) : 1;
-}
-
 void ParamBlock2::ResizeTab(int index, int count) {
   const ParamRow& row = Row(index);
   std::vector<Cell>& cells = tabs_[static_cast<size_t>(index)]->cells;

@@ -13,8 +13,10 @@ ParamBlock2::CellCopy ParamBlock2::CopyCell(const ParamRow& row, const Cell& cel
     copy.target = cell.weak->RawTarget();
   else if (IsTargetType(row.type))
     copy.target = cell.target;
+  else if (row.type == ParamType::Matrix3)
+    copy.matrix = *cell.matrix;
   else
-    std::memcpy(copy.m, cell.m, sizeof copy.m);
+    std::memcpy(copy.p, cell.p, sizeof copy.p);
   copy.control = cell.control;
   return copy;
 }
@@ -24,15 +26,17 @@ void ParamBlock2::PutCell(const ParamRow& row, Cell& cell, const CellCopy& copy,
     *cell.text = copy.text;
   else if (IsTargetType(row.type))
     StoreTarget(index, tab, copy.target.Get());
+  else if (row.type == ParamType::Matrix3)
+    *cell.matrix = copy.matrix;
   else
-    std::memcpy(cell.m, copy.m, sizeof cell.m);
+    std::memcpy(cell.p, copy.p, sizeof cell.p);
   LoadController(row.id, tab, copy.control.Get());
 }
 
 void ParamBlock2::Record(int index, int tab, Cell& cell) {
   uint32_t stamp = cell.stamp;
   if (!theHold.FirstTouch(stamp)) return;
-  cell.stamp = stamp & 0x7FFFFFFF;
+  cell.stamp = stamp & 0xFFFFFFF;
   theHold.Put(std::make_unique<ParamRestore>(this, index, tab, CopyCell(Row(index), cell)));
 }
 

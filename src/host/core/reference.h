@@ -4,16 +4,15 @@
 // its dependents, each link once a send.
 #pragma once
 
-#include <cstddef>
 #include <functional>
 #include <optional>
-#include <span>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "host/core/animatable.h"
 #include "host/core/chunks.h"
+#include "host/core/evaluation_footprint.h"
 #include "host/core/messages.h"
 
 namespace corvanta {
@@ -45,6 +44,8 @@ class ReferenceMaker : public Animatable {
   virtual int NumRefs() const { return 0; }
   /// Null beyond the last reference.
   virtual ReferenceTarget* GetReference(int which) const { return nullptr; }
+  /// Does evaluation of this object look at that reference, while it evaluates?
+  virtual bool ReadsReference(int which) const { return true; }
 
   /// The only way to bind reference `which`: drops the old link, adds the new one, records undo while holding, and
   /// refuses a target that depends on this maker (REF_FAIL, nothing changed). A target that loses its last dependent is
@@ -65,8 +66,8 @@ class ReferenceMaker : public Animatable {
   /// `i` may exceed the live count while loading.
   virtual void SetIndirectRef(int i, ReferenceTarget* target) {}
 
-  /// What evaluation reads of this object outside the object itself, such as tables: to be fetched ahead of time.
-  virtual std::span<const std::byte> EvaluationState() const { return {}; }
+  /// Adds what evaluation reads of this object outside the object itself: tables, cells of its block.
+  virtual void AddFootprint(EvaluationFootprint& footprint) const {}
 
   /// Drops every reference. Called before destruction while the virtual calls still work.
   void DeleteAllRefs();

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "host/core/evaluation_footprint.h"
 #include "host/maths/interval.h"
 
 namespace corvanta {
@@ -22,12 +23,10 @@ class EvaluationPlan {
 
  private:
   void Make(const Scene& scene);
-  void AddLines(const void* start, size_t bytes);
   void AddWhatIsRead(const ReferenceMaker& maker, int depth);
 
-  /// Lines of node i: from first_[i] to before first_[i + 1]. Addresses only, never read through: a stale one fetches
-  /// in vain.
-  std::vector<const char*> lines_;
+  EvaluationFootprint footprint_;
+  /// Lines of node i: from first_[i] to before first_[i + 1].
   std::vector<uint32_t> first_;
   uint64_t linkStamp_ = 0;
 };

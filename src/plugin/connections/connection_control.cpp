@@ -11,8 +11,6 @@ namespace tavrilon {
 using namespace corvanta;
 
 namespace {
-// The first rows of every connection.
-constexpr ParamID kTrackSubAnim = 0;
 enum FunctionID { kSetTarget = 0, kGetTarget = 1 };
 constexpr uint16_t kLockChunk = 0;
 
@@ -38,15 +36,10 @@ ConnectionControl::ConnectionControl(TavrilonClass row, const ParamBlockDesc2& d
 
 // Target.
 
-Track ConnectionControl::GetTrack() const {
-  if (!block_) return {};
-  return {block_->GetReferenceTarget(rows_.trackOwner), block_->GetInt(kTrackSubAnim)};
-}
-
 bool ConnectionControl::SetTrack(const Track& track) {
   if (!block_ || !track.owner || !Gives(track, SuperClassID())) return false;
   const HoldScope hold;
-  block_->SetValue(kTrackSubAnim, 0, track.number);
+  block_->SetValue(kConnectionTrack, 0, track.number);
   return block_->SetValue(rows_.trackOwner, 0, track.owner);
 }
 
@@ -62,14 +55,14 @@ bool ConnectionControl::SetConstant(const FPValue& value) {
   if (!block_) return false;
   const HoldScope hold;
   if (!block_->SetFPValue(rows_.constant, 0, value)) return false;
-  block_->SetValue(kTrackSubAnim, 0, kConstantTrack);
+  block_->SetValue(kConnectionTrack, 0, kConstantTrack);
   return block_->SetValue(rows_.trackOwner, 0, nullptr);
 }
 
 void ConnectionControl::ClearTarget() {
   if (!block_) return;
   const HoldScope hold;
-  block_->SetValue(kTrackSubAnim, 0, 0);
+  block_->SetValue(kConnectionTrack, 0, 0);
   block_->SetValue(rows_.trackOwner, 0, nullptr);
 }
 
@@ -146,7 +139,7 @@ void ConnectionControl::AskKeys(Ask&& ask) const {
 template <class Edit>
 void ConnectionControl::EditKeys(Edit&& edit, bool make) {
   if (locked_ || asking_ || !IsTwoWay()) return;
-  Control* control = make ? MakeControllerOf(GetTrack()) : ControllerOf(GetTrack());
+  Control* control = make ? MakeControllerOf(GetTrack(), SuperClassID()) : ControllerOf(GetTrack());
   if (!control) return;
   const ReentryGuard guard(asking_);
   edit(*control);

@@ -9,7 +9,10 @@
 
 namespace tavrilon {
 
-/// Where the shared parameters are in the block of a class.
+/// The first two rows of every connection.
+enum ConnectionParam : corvanta::ParamID { kConnectionTrack = 0, kConnectionTwoWay = 1 };
+
+/// Where the other shared parameters are in the block of a class.
 struct ConnectionRows {
   corvanta::ParamID useTimeOffset, timeOffset, trackOwner, constant;
 };
@@ -32,8 +35,11 @@ class ConnectionControl : public BlockControl, public corvanta::ILockedTrackImp,
   /// Follows nothing. Undoable.
   void ClearTarget();
   /// Empty for a constant, for nothing, and when the track's owner is gone.
-  Track GetTrack() const;
-  bool IsConstant() const { return block_ && !GetTrack().owner && block_->GetInt(0) == kConstantTrack; }
+  Track GetTrack() const {
+    if (!block_) return {};
+    return {block_->GetReferenceTarget(rows_.trackOwner), block_->GetInt(kConnectionTrack)};
+  }
+  bool IsConstant() const { return block_ && !GetTrack().owner && block_->GetInt(kConnectionTrack) == kConstantTrack; }
   /// "Assigned to: " and the track, "Constant: " with its value, or "None".
   corvanta::WStr TargetText() const;
 
@@ -72,7 +78,7 @@ class ConnectionControl : public BlockControl, public corvanta::ILockedTrackImp,
   corvanta::IOResult Load(corvanta::ILoad& load) override;
 
  protected:
-  bool IsTwoWay() const { return block_ && block_->GetBool(1); }
+  bool IsTwoWay() const { return block_ && block_->GetBool(kConnectionTwoWay); }
   /// The time at which the target is read for `t`; `valid` is narrowed to where the offset is the same.
   corvanta::TimeValue SourceTime(corvanta::TimeValue t, corvanta::Interval& valid) const {
     return block_->GetInt(rows_.useTimeOffset) ? Later(t, block_->GetFloat(rows_.timeOffset, t, valid)) : t;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/connections/track.h"
 
-#include <cmath>
+#include "host/scene/node.h"
 
 namespace tavrilon {
 
@@ -17,6 +17,12 @@ Control* DefaultFor(SClass_ID superClass) {
   switch (superClass) {
     case kPoint3ControlSuper:
       return NewDefaultPoint3Controller();
+    case kPositionControlSuper:
+      return NewDefaultPositionController();
+    case kRotationControlSuper:
+      return NewDefaultRotationController();
+    case kScaleControlSuper:
+      return NewDefaultScaleController();
     default:
       return NewDefaultFloatController();
   }
@@ -54,7 +60,7 @@ Control* ControllerOf(const Track& track) {
   return track.number < track.owner->NumSubs() ? AsControl(track.owner->SubAnim(track.number)) : nullptr;
 }
 
-Control* MakeControllerOf(const Track& track) {
+Control* MakeControllerOf(const Track& track, SClass_ID superClass) {
   if (Control* present = ControllerOf(track)) return present;
   if (!track.owner) return nullptr;
   if (const ParamRow* row = RowOf(track)) {
@@ -63,7 +69,7 @@ Control* MakeControllerOf(const Track& track) {
     return track.Block().SetController(row->id, made.Get(), track.Tab()) ? made.Get() : nullptr;
   }
   if (track.IsParam() || !track.owner->CanAssignController(track.number)) return nullptr;
-  const Ref<Control> made(NewDefaultFloatController());
+  const Ref<Control> made(DefaultFor(superClass));
   return track.owner->AssignController(made.Get(), track.number) ? made.Get() : nullptr;
 }
 
@@ -74,7 +80,7 @@ bool Gives(const Track& track, SClass_ID superClass) {
   return control && control->SuperClassID() == superClass;
 }
 
-float ReadFloat(const Track& track, TimeValue t, Interval& valid) {
+float ReadAnyFloat(const Track& track, TimeValue t, Interval& valid) {
   if (!track.IsParam()) {
     Animatable* sub = track.number < track.owner->NumSubs() ? track.owner->SubAnim(track.number) : nullptr;
     if (!sub || sub->SuperClassID() != kFloatControlSuper) return 0;
@@ -113,6 +119,7 @@ Track FindTrack(ReferenceTarget& owner, const ReferenceTarget& target) {
 }
 
 Track FindTrack(ReferenceTarget& owner, const WStr& name) {
+  if (name.empty()) return {};  // the name of parameters that scripts do not see
   const Track self{&owner, 0};
   if (self.IsParam()) {
     const ParamRow* row = self.Block().GetDesc().FindByName(name);
@@ -144,8 +151,8 @@ WStr TextOf(const Track& track) {
     return (holder ? holder->GetClassName() : WStr(track.Block().GetDesc().name)) + L": " +
            (*row->label ? row->label : row->name);
   }
-  INode* node = track.owner->AsNode();
-  return (node ? L"Node" : track.owner->GetClassName()) + L": " + track.owner->SubAnimName(track.number);
+  const INode* node = track.owner->AsNode();
+  return (node ? node->GetName() : track.owner->GetClassName()) + L": " + track.owner->SubAnimName(track.number);
 }
 
 }  // namespace tavrilon

@@ -29,16 +29,29 @@ inline int ParamTrackNumber(corvanta::ParamID id, int tab) { return tab << 16 | 
 const corvanta::ParamRow* RowOf(const Track& track);
 /// The track's controller, null when it has none (a parameter may be a constant).
 corvanta::Control* ControllerOf(const Track& track);
-/// The same, and a parameter gets one that holds its constant, any other empty place the default float one. Null when
-/// the place takes none. Undoable.
-corvanta::Control* MakeControllerOf(const Track& track);
+/// The same, and a parameter gets one that holds its constant, any other empty place the default one of the super
+/// class. Null when the place takes none. Undoable.
+corvanta::Control* MakeControllerOf(const Track& track, corvanta::SClass_ID superClass);
 
 /// Does the track give values of this kind? Float tracks: float controllers and parameters that are numbers. Others:
 /// controllers of that super class, and of Point3 parameters the value as it is.
 bool Gives(const Track& track, corvanta::SClass_ID superClass);
 
-/// 0 when the track gives no float any more.
-float ReadFloat(const Track& track, corvanta::TimeValue t, corvanta::Interval& valid);
+/// The same as ReadFloat for any kind of track.
+float ReadAnyFloat(const Track& track, corvanta::TimeValue t, corvanta::Interval& valid);
+
+/// 0 when the track gives no float any more. Float parameters, nearly all that rigs follow, are read on the spot.
+inline float ReadFloat(const Track& track, corvanta::TimeValue t, corvanta::Interval& valid) {
+  if (!track.IsParam()) return ReadAnyFloat(track, t, valid);
+  const corvanta::ParamBlock2& block = track.Block();
+  const int index = block.IDtoIndex(track.Param());
+  if (index < 0) return 0;
+  const corvanta::ParamRow& row = block.GetDesc().rows[static_cast<size_t>(index)];
+  using corvanta::ParamType;
+  const bool isFloat = row.type == ParamType::Float || row.type == ParamType::Angle || row.type == ParamType::Percent ||
+                       row.type == ParamType::World;
+  return isFloat && !row.Is(corvanta::kTab) ? block.GetFloat(row.id, t, valid) : ReadAnyFloat(track, t, valid);
+}
 /// Undoable.
 void WriteFloat(const Track& track, corvanta::TimeValue t, float value, bool commit);
 

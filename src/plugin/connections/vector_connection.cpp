@@ -207,7 +207,8 @@ ScaleConnection::ScaleConnection(bool loading)
 
 ScaleValue ScaleConnection::Shown(TimeValue t, Interval& valid) const {
   ScaleValue value = Source<ScaleValue>(t, valid);
-  value.s = Weighted(value.s, Weights(t, valid), 1);
+  // Weights of 1 would cost the last bit.
+  if (block_->GetBool(kUseWeight)) value.s = Weighted(value.s, Weights(t, valid), 1);
   return value;
 }
 

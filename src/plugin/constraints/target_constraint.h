@@ -37,9 +37,6 @@ class TargetConstraint : public corvanta::Control, public corvanta::ILockedTrack
 
   corvanta::ParamBlock2* GetParamBlock() const { return block_; }
 
-  std::span<const std::byte> EvaluationState() const override {
-    return block_ ? block_->Cells() : std::span<const std::byte>();
-  }
   int NumRefs() const override { return 1; }
   corvanta::ReferenceTarget* GetReference(int which) const override { return which == 0 ? block_ : nullptr; }
   int NumSubs() const override { return 1; }

@@ -93,12 +93,6 @@ void* WrappingControl::GetInterface(uint32_t request) {
   return CompositeControl::GetInterface(request);
 }
 
-// A target that goes leaves the parent's space, which is a change of value as well.
-void WrappingControl::WeakTargetNotice(ParamBlock2& block, ParamID id, int tab, const RefNotice& notice) {
-  WeakRefOwner::WeakTargetNotice(block, id, tab, notice);
-  if (notice.message == REFMSG_TARGET_DELETED) NotifyDependents();
-}
-
 void WrappingControl::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   locked_ = static_cast<WrappingControl&>(source).locked_;
 }

@@ -64,8 +64,6 @@ class WrappingControl : public corvanta::CompositeControl, public WeakRefOwner {
   void CopyStateFrom(corvanta::ReferenceTarget& source, corvanta::RemapDir& remap) override;
   corvanta::IOResult Save(corvanta::ISave& save) override;
   corvanta::IOResult Load(corvanta::ILoad& load) override;
-  void WeakTargetNotice(corvanta::ParamBlock2& block, corvanta::ParamID id, int tab,
-                        const corvanta::RefNotice& notice) override;
 
  protected:
   int NumParts() const override { return 1; }

@@ -69,6 +69,8 @@ class RigControl final : public corvanta::CompositeControl, public IRigControl {
   corvanta::FPInterface* GetInterfaceAt(int i) override { return i == 0 ? static_cast<IRigControl*>(this) : nullptr; }
 
   // References and sub-animatables.
+  /// What evaluation needs of the block is copied out of it.
+  bool ReadsReference(int which) const override { return which != kBlockRef; }
   int NumRefs() const override { return 4; }
   corvanta::ReferenceTarget* GetReference(int which) const override;
   int NumSubs() const override { return 4; }

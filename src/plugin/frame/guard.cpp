@@ -9,9 +9,6 @@ int count = 0;
 
 int GuardCount() { return count; }
 
-ReentryGuard::ReentryGuard(bool& flag) : flag_(flag), reentered_(flag) {
-  if (reentered_) ++count;
-  flag_ = true;
-}
+void CountReentry() { ++count; }
 
 }  // namespace tavrilon

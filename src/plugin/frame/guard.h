@@ -7,10 +7,14 @@ namespace tavrilon {
 
 /// Re-entries of guarded evaluations in this process.
 int GuardCount();
+void CountReentry();
 
 class ReentryGuard {
  public:
-  explicit ReentryGuard(bool& flag);
+  explicit ReentryGuard(bool& flag) : flag_(flag), reentered_(flag) {
+    if (reentered_) CountReentry();
+    flag_ = true;
+  }
   ~ReentryGuard() {
     if (!reentered_) flag_ = false;
   }

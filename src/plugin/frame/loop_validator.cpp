@@ -40,10 +40,10 @@ class EvaluationWalk {
       if (node->GetParentNode() && !node->GetParentNode()->IsRootNode()) Visit(node->GetParentNode());
       return;
     }
-    const auto* reads = static_cast<const EvaluationReads*>(target->GetInterface(EvaluationReads::kRequest));
     for (int i = 0; i < target->NumRefs(); ++i)
-      if (!reads || reads->ReadsReference(i)) Visit(target->GetReference(i));
-    if (target->SuperClassID() == kParamBlockSuper) VisitWeakSlots(static_cast<ParamBlock2&>(*target));
+      if (target->ReadsReference(i)) Visit(target->GetReference(i));
+    const bool isBlock = target->SuperClassID() == kParamBlockSuper && !target->TestFlag(A_PLACEHOLDER);
+    if (isBlock) VisitWeakSlots(static_cast<ParamBlock2&>(*target));
   }
   void VisitWeakSlots(const ParamBlock2& block) {
     for (const ParamRow& row : block.GetDesc().rows) {
@@ -60,9 +60,11 @@ class EvaluationWalk {
 
 }  // namespace
 
-bool TransformDependsOn(INode* node, const ReferenceTarget* owner) {
-  return node && owner && EvaluationWalk(owner).Reaches(node);
+bool DependsOn(ReferenceTarget* start, const ReferenceTarget* goal) {
+  return start && goal && EvaluationWalk(goal).Reaches(start);
 }
+
+bool TransformDependsOn(INode* node, const ReferenceTarget* owner) { return DependsOn(node, owner); }
 
 // The node of `owner` has `owner` in its own transform, so the walk refuses it as well.
 bool MayFollow(const ReferenceTarget* owner, INode* candidate) {

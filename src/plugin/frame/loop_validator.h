@@ -7,18 +7,12 @@
 
 namespace tavrilon {
 
-/// For a class that has references which its evaluation does not read: it answers the request `kRequest` of
-/// `GetInterface` with this, and the walk leaves those references out.
-class EvaluationReads {
- public:
-  static constexpr uint32_t kRequest = 0x1E847B02;
-  virtual ~EvaluationReads() = default;
-  virtual bool ReadsReference(int which) const = 0;
-};
-
 /// Does the evaluation of `node` depend on `owner`, a controller? True when `owner` lies in the transform of the node
 /// or of an ancestor, or in the transform of any node that these follow by a reference or a weak slot.
 bool TransformDependsOn(corvanta::INode* node, const corvanta::ReferenceTarget* owner);
+
+/// The same for the evaluation of anything that is no node: a controller, a block with all its parameters.
+bool DependsOn(corvanta::ReferenceTarget* start, const corvanta::ReferenceTarget* goal);
 
 /// May `owner` follow `candidate`? Not null, not the node of `owner`, not a node that depends on `owner`.
 bool MayFollow(const corvanta::ReferenceTarget* owner, corvanta::INode* candidate);

@@ -186,6 +186,13 @@ Matrix3 CurveIKChain::GetJointTM(TimeValue t, int index, Interval& valid) {
                                                                       : Matrix3();
 }
 
+void CurveIKChain::AddFootprint(EvaluationFootprint& footprint) const {
+  footprint.Add(cache_.pointFrames);
+  footprint.Add(cache_.curve.samples);
+  footprint.Add(cache_.joints);
+  footprint.Add(cache_.jointTM);
+}
+
 void CurveIKChain::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod) {
   if (NumJoints() > 0) value.Matrix3() = GetJointTM(t, NumJoints() - 1, valid);
 }

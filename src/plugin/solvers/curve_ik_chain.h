@@ -80,6 +80,7 @@ class CurveIKChain final : public corvanta::Control,
   int SubNumToRefNum(int i) override { return i; }
   using Control::GetInterface;
   void* GetInterface(uint32_t request) override;
+  void AddFootprint(corvanta::EvaluationFootprint& footprint) const override;
   int NumInterfaces() const override { return 1; }
   corvanta::FPInterface* GetInterfaceAt(int i) override { return i == 0 ? this : nullptr; }
   corvanta::RefResult NotifyRefChanged(const corvanta::Interval& interval, corvanta::ReferenceTarget* target,

@@ -39,6 +39,15 @@ float SquashBase(const CurvePoseIn& in) {
   return base > 0 ? base : 1;
 }
 
+// `RotationFromX` of a unit vector, in closed form where it is well conditioned: half way to the vector lies the axis of
+// half a turn, so the cosine of half the angle is half the length of X + v.
+Quat TurnToUnit(const Point3& v) {
+  if (!(v.x > -0.5f)) return RotationFromX(v);
+  const float length = std::sqrt(2 * (1 + v.x));
+  const float k = 1 / length;
+  return {0, v.z * k, -v.y * k, length * 0.5f};
+}
+
 class JointPoser {
  public:
   JointPoser(const CurvePoseIn& in, std::span<Matrix3> out)
@@ -93,7 +102,7 @@ class JointPoser {
     if (along != Point3()) {
       // In the frame of the points, so that the joint turns from it by the least it must.
       const Point3 seen = in_.usePointsRotation ? VectorTransform(QuatMatrix(Conjugate(turn)), along) : along;
-      turn = RotationFromX(seen) * turn;
+      turn = TurnToUnit(seen) * turn;
     }
     const float twist = in_.rotation + in_.twist * ClampValue(joint.percent, 0.0f, 1.0f) + frames_.Twist(f);
     return twist == 0 ? turn : TwistQuat(twist) * turn;

@@ -40,12 +40,26 @@ class IKFKChainValidator final : public PBValidator {
   }
 } goalParentValidator;
 
+LoopValidator inputValidator;
+
+/// What the chain reads must not hang on a joint.
+class JointValidator final : public PBValidator {
+ public:
+  bool Validate(ReferenceTarget* owner, ParamID, ReferenceTarget* candidate) override {
+    const auto& chain = static_cast<const IKFKChain&>(*owner);
+    if (!candidate || !candidate->AsNode()) return false;
+    for (const ParamID id : {ParamID{kGoal}, ParamID{kGoalParent}, ParamID{kTarget}, ParamID{kRotationSpaceNode}})
+      if (TransformDependsOn(chain.GetWeakNode(id), candidate)) return false;
+    return true;
+  }
+} jointValidator;
+
 constexpr int kParameters = 0, kOptions = 1, kDisplay = 2;
 
 const ParamRow kRows[] = {
     // id, script name, type, flags, default, range, label, rollup, accessor, validator
-    {kJoints, L"joints", ParamType::Node, kTab | kWeak, {}, {}, L"Joints", -1, &nodeHook},
-    {kGoal, L"goal", ParamType::Node, kWeak, {}, {}, L"Goal", -1, &nodeHook},
+    {kJoints, L"joints", ParamType::Node, kTab | kWeak, {}, {}, L"Joints", -1, &nodeHook, &jointValidator},
+    {kGoal, L"goal", ParamType::Node, kWeak, {}, {}, L"Goal", -1, &nodeHook, &inputValidator},
     {kGoalParent,
      L"goal_parent",
      ParamType::Node,
@@ -57,7 +71,7 @@ const ParamRow kRows[] = {
      &nodeHook,
      &goalParentValidator},
     {kGoalInbetweenParents, L"", ParamType::Node, kTab | kWeak, {}, {}, L"Goal Inbetween Parents", -1},
-    {kTarget, L"target", ParamType::Node, kWeak, {}, {}, L"Target", kOptions, &nodeHook},
+    {kTarget, L"target", ParamType::Node, kWeak, {}, {}, L"Target", kOptions, &nodeHook, &inputValidator},
     {kRotationSpaceNode,
      L"rotation_space_node",
      ParamType::Node,
@@ -66,7 +80,8 @@ const ParamRow kRows[] = {
      {},
      L"Rotation Space Node",
      kOptions,
-     &nodeHook},
+     &nodeHook,
+     &inputValidator},
     {kIkfkBlend, L"ikfk_blend", ParamType::Percent, kAnimatable, 1.0f, {0, 100}, L"IKFK Blend", kParameters},
     {kManualStretch,
      L"manual_stretch",

@@ -104,6 +104,10 @@ class IKFKChain final : public corvanta::Control,
   // References and sub-animatables.
   int NumRefs() const override { return 1; }
   corvanta::ReferenceTarget* GetReference(int which) const override { return which == 0 ? block_ : nullptr; }
+  void AddFootprint(corvanta::EvaluationFootprint& footprint) const override {
+    footprint.Add(joints_);
+    footprint.Add(poses_);
+  }
   int NumSubs() const override { return 1; }
   corvanta::Animatable* SubAnim(int i) override { return GetReference(i); }
   corvanta::WStr SubAnimName(int i) override { return i == 0 ? L"Parameters" : L""; }

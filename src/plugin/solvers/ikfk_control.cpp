@@ -121,7 +121,6 @@ void IKFKControl::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetM
 }
 
 void* IKFKControl::GetInterface(uint32_t request) {
-  if (request == EvaluationReads::kRequest) return static_cast<EvaluationReads*>(this);
   if (request == I_LOCKED && fk_)
     if (void* lock = fk_->GetInterface(request)) return lock;
   return CompositeControl::GetInterface(request);

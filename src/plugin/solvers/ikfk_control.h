@@ -16,7 +16,7 @@ class IKFKLink;
 
 /// Key operations, lock, and the position, rotation and scale controllers are those of the FK controller. Without a
 /// chain that lists its node the control is its FK controller.
-class IKFKControl final : public corvanta::CompositeControl, public EvaluationReads {
+class IKFKControl final : public corvanta::CompositeControl {
  public:
   enum Reference : int { kBlockRef = 0, kPreferredRef = 1, kFKRef = 2, kLinkRef = 3 };
 

@@ -136,6 +136,27 @@ TYPED_TEST(WrappingTest, FollowsItsTargetAtOnce) {
   EXPECT_FALSE(this->node->GetNodeTM(0) == before);
 }
 
+// Only the target is keyed, and after that only the first parameter that counts: the kept matrix must not outlive them.
+TYPED_TEST(WrappingTest, KeysOfTargetAndParametersNarrowTheValidity) {
+  const ParamID amount = std::is_same_v<TypeParam, RootConstraint> ? ParamID{RootConstraint::kFollowTurning}
+                                                                   : ParamID{RotationSpace::kWeight};
+  this->wrapping->SetTarget(this->target);
+  this->node->GetNodeTM(0);
+  AnimateOn();
+  this->target->SetNodeTM(800, RandomRigid(this->rng));
+  AnimateOff();
+  const Matrix3 first = this->node->GetNodeTM(0);
+  EXPECT_FALSE(this->node->GetNodeTM(800) == first);
+  EXPECT_EQ(this->node->GetNodeTM(0), first);
+  this->target->GetTMController()->AsControl()->DeleteKeys(false);
+  this->target->SetNodeTM(0, RandomRigid(this->rng));
+  AnimateOn();
+  this->block->SetValue(amount, 800, 0.25f);
+  AnimateOff();
+  const Matrix3 whole = this->node->GetNodeTM(0);
+  EXPECT_FALSE(this->node->GetNodeTM(800) == whole);
+}
+
 TYPED_TEST(WrappingTest, DeletedTargetLeavesTheParentsSpaceAndUndoBringsItBack) {
   const Matrix3 free = this->node->GetNodeTM(0);
   this->wrapping->SetTarget(this->target);

@@ -40,7 +40,7 @@ class BuiltRigTest : public RigSystemTest {
     ASSERT_NE(n, nullptr) << ToUtf8(base);
     Matrix3 tm = n->GetNodeTM(0);
     const Point3 at = tm.GetTrans();
-    tm = tm * TransMatrix(-at) * MakeMatrix(QuatFromAngAxis({axis, -degrees * kDegToRad})) * TransMatrix(at);
+    tm = tm * TransMatrix(-at) * MakeMatrix(QuatFromAngAxis(AngAxis{axis, -degrees * kDegToRad})) * TransMatrix(at);
     n->SetNodeTM(0, tm);
   }
   void Move(const WStr& base, const Point3& by) {

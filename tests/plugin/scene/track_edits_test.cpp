@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Controllers: assigning every kind, values, keys, lists, Euler orders, curves on tracks, locks, constraints, rig
-// controls.
+// controls, connections.
 #include "host/anim/key_control.h"
 #include "host/anim/list_control.h"
 #include "host/scene/core_interface.h"
+#include "plugin/connections/float_connection.h"
 #include "plugin/constraints/parent_constraint.h"
 #include "plugin/constraints/scale_constraint.h"
 #include "plugin/controllers/rig_control.h"
+#include "plugin/frame/loop_validator.h"
 #include "plugin/scene/edit_picks_test.h"
 
 namespace tavrilon::scene_tests {
@@ -260,6 +262,36 @@ std::string ChangeRigControl(Dice& dice) {
   return "rig control " + std::to_string(which);
 }
 
+// A connection that is there already, or a new float connection on some float track.
+ConnectionControl* PickConnection(Dice& dice) {
+  if (!dice.OneIn(3)) return PickFace(dice, [](Control* c) { return dynamic_cast<ConnectionControl*>(c); });
+  INode* node = PickNode(dice);
+  const NodeParts parts = node ? PartsOf(node) : NodeParts();
+  for (const Slot& slot : parts.slots) {
+    if (slot.superClass != kFloatControlSuper || !dice.OneIn(3)) continue;
+    const Ref<FloatConnection> made(new FloatConnection);
+    return slot.owner->AssignController(made.Get(), slot.sub) ? made.Get() : nullptr;
+  }
+  return nullptr;
+}
+
+std::string Wire(Dice& dice) {
+  ConnectionControl* made = PickConnection(dice);
+  INode* node = PickNode(dice);
+  const NodeParts parts = node ? PartsOf(node) : NodeParts();
+  if (!made || parts.blocks.empty()) return {};
+  if (dice.OneIn(8)) {
+    made->ClearTarget();
+    return "wire " + Tell(made) + " to nothing";
+  }
+  ParamBlock2* block = dice.Pick(parts.blocks);
+  const ParamRow& row = block->GetDesc().rows[static_cast<size_t>(dice.Int(block->NumParams()))];
+  const int tab = block->Count(row.id) > 0 ? dice.Int(block->Count(row.id)) : 0;
+  if (DependsOn(block, made) || !made->SetParamTarget(*block, row.id, tab)) return {};
+  made->GetParamBlock()->SetValue(float_connection::kTwoWay, 0, dice.OneIn(2));
+  return "wire " + Tell(made) + " to " + Tell(block) + "." + ToUtf8(row.name);
+}
+
 }  // namespace
 
 const std::vector<EditRow> kTrackEdits = {
@@ -274,6 +306,7 @@ const std::vector<EditRow> kTrackEdits = {
     {"lock", 2, ChangeLock},
     {"targets", 12, ChangeTargets},
     {"rig control", 5, ChangeRigControl},
+    {"wire", 8, Wire},
 };
 
 }  // namespace tavrilon::scene_tests

@@ -12,7 +12,8 @@ namespace corvanta {
 
 /// The content of one entry, away from its block.
 struct ParamBlock2::CellCopy {
-  float m[13] = {};
+  float p[3] = {};
+  Matrix3 matrix;
   WStr text;
   Ref<ReferenceTarget> target;
   Ref<Control> control;

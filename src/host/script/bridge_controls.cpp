@@ -48,6 +48,19 @@ std::optional<ScaleValue> ToScale(const Value& value) {
   return p ? std::optional(ScaleValue{*p, {}}) : std::nullopt;
 }
 
+// Scripts see what the windows show. Whether a number is an angle or a percentage is known by what holds its
+// controller.
+ParamDimension DimensionOf(const Control& control) {
+  for (ReferenceMaker* owner : control.Dependents())
+    for (int i = 0; i < owner->NumSubs(); ++i)
+      if (owner->SubAnim(i) == &control) return owner->GetParamDimension(i);
+  return ParamDimension::Plain;
+}
+std::optional<float> ToTrackNumber(const Control& control, const Value& value) {
+  const auto number = ToSingle(value);
+  return number ? std::optional(UnConvertFromDisplay(DimensionOf(control), *number)) : std::nullopt;
+}
+
 // The kind of controller that place `i` of `owner` takes, 0 where it cannot be told.
 SClass_ID ExpectedSuper(Animatable& owner, int i) {
   if (auto* present = dynamic_cast<Control*>(owner.SubAnim(i))) return present->SuperClassID();
@@ -113,7 +126,7 @@ bool SetControlPart(Control& control, const WStr& name, const Value& value) {
 Value ControlValue(Control& control, TimeValue t) {
   switch (control.SuperClassID()) {
     case kFloatControlSuper:
-      return Value::Float(static_cast<double>(Read<float>(control, t)));
+      return Value::Float(static_cast<double>(ConvertForDisplay(DimensionOf(control), Read<float>(control, t))));
     case kPoint3ControlSuper:
     case kPositionControlSuper:
       return Value::Of(Read<Point3>(control, t));
@@ -133,7 +146,7 @@ Value ControlValue(Control& control, TimeValue t) {
 void SetControlValue(Control& control, TimeValue t, const Value& value) {
   switch (control.SuperClassID()) {
     case kFloatControlSuper:
-      return Write(control, t, ToSingle(value), value, L"a number");
+      return Write(control, t, ToTrackNumber(control, value), value, L"a number");
     case kPoint3ControlSuper:
     case kPositionControlSuper:
       return Write(control, t, ToTrackPoint(value), value, L"a point such as [1,2,3]");

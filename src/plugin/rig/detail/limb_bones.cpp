@@ -90,6 +90,8 @@ std::vector<INode*> BuildTwist(Limb& limb, const Segment& segment) {
   spec.points = {{control, type, nullptr, out}, {anchor, type, in, nullptr}};
   spec.bones = TwistBones(limb, segment);
   spec.parent = {limb.parts.state.main, limb.lastBone};
+  // Measured by the segment: many short bones would look like a thread.
+  spec.boneWidth = kTwistBoneWidth * segment.Length();
   const CurveRow row = MakeCurveRow(limb.parts, spec);
   if (row.bones.empty()) return {};
   using namespace curve_ik_chain;

@@ -17,6 +17,9 @@ using namespace corvanta;
 
 namespace {
 
+/// Width of a twist bone in lengths of its whole segment.
+constexpr float kTwistBoneWidth = 0.08f;
+
 /// A segment of the limb while its twist bones are built.
 struct Segment {
   size_t joint;

@@ -353,6 +353,7 @@ void RefTargMonitor::SetTarget(ReferenceTarget* target) {
   if (target_ == target) return;
   if (target_) std::erase(target_->monitors_, this);
   target_ = target;
+  seenStamp_ = 0;
   if (target_) target_->monitors_.push_back(this);
 }
 

@@ -186,5 +186,18 @@ TEST_F(ReferenceTest, NodesAreThereWhoeverFollowsThem) {
   EXPECT_EQ(monitor.Target(), node);
 }
 
+// Nothing is bound or dropped between the two reads.
+TEST_F(ReferenceTest, ANewTargetIsLookedAtAnew) {
+  const Ref<Listener> root(new Listener), gone(new Listener), part(new Listener), there(new Listener);
+  root->ReplaceReference(0, gone.Get());
+  gone->ReplaceReference(0, part.Get());
+  root->ReplaceReference(0, there.Get());
+  RefTargMonitor monitor;
+  monitor.SetTarget(there.Get());
+  EXPECT_EQ(monitor.Target(), there.Get());
+  monitor.SetTarget(part.Get());
+  EXPECT_EQ(monitor.Target(), nullptr);
+}
+
 }  // namespace
 }  // namespace corvanta

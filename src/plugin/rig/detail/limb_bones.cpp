@@ -17,6 +17,9 @@ using namespace corvanta;
 
 namespace {
 
+/// Of a segment's length: the width of its twist bones.
+constexpr float kTwistBoneWidth = 0.08f;
+
 /// A segment of the limb while its twist bones are built.
 struct Segment {
   size_t joint;

@@ -17,16 +17,6 @@ std::unordered_map<AnimHandle, Animatable*>& HandleTable() {
   return *table;
 }
 
-// An object is alive in the scene when some way up through its dependents ends at an object that is not dormant.
-bool IsLive(const ReferenceTarget& target, int depth) {
-  if (target.TestFlag(A_DORMANT)) return false;
-  if (!target.HasDependents() || depth == 0) return true;
-  return target.FindDependent([depth](ReferenceMaker* maker) {
-    const ReferenceTarget* up = maker->AsTarget();
-    return !up || IsLive(*up, depth - 1);
-  }) != nullptr;
-}
-
 }  // namespace
 
 float ConvertForDisplay(ParamDimension dimension, float value) {
@@ -81,7 +71,7 @@ Animatable* Animatable::GetAnimByHandle(AnimHandle handle) {
   if (found == HandleTable().end()) return nullptr;
   const auto* maker = dynamic_cast<ReferenceMaker*>(found->second);
   const ReferenceTarget* target = maker ? const_cast<ReferenceMaker*>(maker)->AsTarget() : nullptr;
-  return !target || IsLive(*target, 32) ? found->second : nullptr;
+  return !target || target->IsLive() ? found->second : nullptr;
 }
 
 }  // namespace corvanta

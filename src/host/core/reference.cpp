@@ -142,16 +142,27 @@ ReferenceTarget::~ReferenceTarget() {
   for (RefTargMonitor* monitor : monitors_) monitor->target_ = nullptr;
 }
 
-namespace {
-uint64_t linkStamp = 0;
+bool ReferenceTarget::IsLive(int depth) const {
+  if (TestFlag(A_DORMANT)) return false;
+  if (!HasDependents() || depth == 0) return true;
+  return FindDependent([depth](ReferenceMaker* maker) {
+           const ReferenceTarget* up = maker->AsTarget();
+           return !up || up->IsLive(depth - 1);
+         }) != nullptr;
 }
 
-uint64_t ReferenceTarget::LinkStamp() { return linkStamp; }
+bool ReferenceTarget::IsLive() const {
+  constexpr int kDeepEnough = 64;  // deeper than controllers nest
+  return IsLive(kDeepEnough);
+}
 
 void ReferenceTarget::AddDependent(ReferenceMaker* maker) {
-  ++linkStamp;
-  ClearFlag(A_DORMANT);
+  ++linkStamp_;
   everOwned_ = true;
+  if (TestFlag(A_DORMANT)) {
+    ClearFlag(A_DORMANT);
+    AfterDelivery(this, [](ReferenceTarget* back) { back->TellWatchers(); });
+  }
   const auto found =
       std::find_if(dependents_.begin(), dependents_.end(), [maker](const Dependent& d) { return d.maker == maker; });
   if (found != dependents_.end()) {
@@ -163,7 +174,7 @@ void ReferenceTarget::AddDependent(ReferenceMaker* maker) {
 }
 
 void ReferenceTarget::DropDependent(ReferenceMaker* maker, bool deleteIfLast) {
-  ++linkStamp;
+  ++linkStamp_;
   const auto found =
       std::find_if(dependents_.begin(), dependents_.end(), [maker](const Dependent& d) { return d.maker == maker; });
   if (found == dependents_.end() || --found->count > 0) return;
@@ -175,7 +186,9 @@ void ReferenceTarget::DropDependent(ReferenceMaker* maker, bool deleteIfLast) {
   LinkDropped(maker);
   if (FindDependent([](ReferenceMaker*) { return true; })) return;
   if (keepAlive_ > 0) {
-    if (DiesWithLastDependent()) SetFlag(A_DORMANT);
+    if (!DiesWithLastDependent()) return;
+    SetFlag(A_DORMANT);
+    AfterDelivery(this, [](ReferenceTarget* gone) { gone->TellWatchers(); });
   } else if (deleteIfLast) {
     MaybeDelete();
   }
@@ -292,6 +305,17 @@ void ReferenceTarget::UnlinkDependents() {
   for (ReferenceMaker* maker : Dependents()) {
     for (int which; (which = maker->FindReference(this)) != kNotFound;) maker->BindReference(which, nullptr, false);
     if (ReferenceTarget* target = maker->AsTarget()) target->NotifyDependents();
+  }
+}
+
+void ReferenceTarget::TellWatchers() {
+  if (!RefMsgsEnabled()) return;
+  const RefGuard keep(this);
+  const DeliveryScope scope;
+  if (!monitors_.empty()) Deliver({FOREVER, PART_ALL, REFMSG_CHANGE, kAnySuper, true, this, nullptr, ++lastNotice});
+  for (int i = kCustAttribRef; i < NumRefs(); ++i) {
+    ReferenceTarget* part = ReferenceAt(i);
+    if (part && !part->AsNode()) part->TellWatchers();
   }
 }
 

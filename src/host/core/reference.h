@@ -117,8 +117,10 @@ class ReferenceTarget : public ReferenceMaker {
   void Propagate(RefNotice notice);
   /// The number of a message that the caller propagates by itself.
   static uint32_t NewNoticeNumber();
-  /// Changes whenever any object of the process binds or drops a reference.
-  static uint64_t LinkStamp();
+  /// Changes whenever any object of the process binds or drops a reference, leaves the scene or comes back.
+  static uint64_t LinkStamp() { return linkStamp_; }
+  /// Some way up through its dependents ends at an object that is not dormant: it does not live in undo only.
+  bool IsLive() const;
   /// The message that is being delivered, null outside of a delivery.
   static const RefNotice* CurrentNotice();
 
@@ -154,6 +156,15 @@ class ReferenceTarget : public ReferenceMaker {
   void MaybeDelete();
   /// Tells every dependent that the target goes (message 32) and takes it out of all their references.
   void UnlinkDependents();
+  /// After the object has gone dormant or come back: tells those who watch it, or what only it and its parts own, that
+  /// they changed. Weak links to them read otherwise now, and who evaluated while the message of its going was still on
+  /// the way keeps what it saw then.
+  void TellWatchers();
+  /// The object has left the scene, or come back.
+  void SetDormant(bool on) {
+    ++linkStamp_;
+    on ? SetFlag(A_DORMANT) : ClearFlag(A_DORMANT);
+  }
 
  protected:
   /// A maker has bound or dropped this target.
@@ -177,6 +188,9 @@ class ReferenceTarget : public ReferenceMaker {
   void DropDependent(ReferenceMaker* maker, bool deleteIfLast);
   void Deliver(const RefNotice& notice);
 
+  bool IsLive(int depth) const;
+
+  inline static uint64_t linkStamp_ = 1;
   std::vector<Dependent> dependents_;
   std::vector<RefTargMonitor*> monitors_;
   int keepAlive_ = 0;

@@ -56,7 +56,8 @@ void NodeDetachment::Detach() {
   scene.nodes_.erase(scene.nodes_.begin() + static_cast<std::ptrdiff_t>(place_));
   scene.byHandle_.erase(node->handle_);
   node->inScene_ = false;
-  node->SetFlag(A_DORMANT);
+  node->SetDormant(true);
+  node->TellWatchers();
 }
 
 void NodeDetachment::Attach() {
@@ -64,7 +65,7 @@ void NodeDetachment::Attach() {
   if (node->inScene_) return;
   const HoldSuspend suspend;
   Scene& scene = node->GetScene();
-  node->ClearFlag(A_DORMANT);
+  node->SetDormant(false);
   scene.Insert(node, std::min(place_, scene.nodes_.size()));
   node->parent_ = parent_.Get();
   for (const Ref<INode>& orphan : children_) {
@@ -88,6 +89,7 @@ void NodeDetachment::Attach() {
     node->selected_ = true;
     BroadcastNotification(NOTIFY_SELECTION_CHANGED);
   }
+  node->TellWatchers();
   node->InvalidateTM();
   BroadcastNotification(NOTIFY_NODE_CREATED, node);
 }

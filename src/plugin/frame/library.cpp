@@ -32,6 +32,7 @@ void AttachLibrary(void* moduleHandle) {
 
 void InitializeLibrary() {
   RegisterIKFKSolverPrimitive();
+  RegisterCurveIKSolverPrimitive();
   RegisterNotification(OnSceneReset, nullptr, NOTIFY_SCENE_RESET);
   RegisterNotification(OnHostStarted, nullptr, NOTIFY_HOST_STARTED);
   RegisterNotification(OnHostClosing, nullptr, NOTIFY_HOST_CLOSING);
@@ -39,6 +40,7 @@ void InitializeLibrary() {
 
 void ShutdownLibrary() {
   UnregisterIKFKSolverPrimitive();
+  UnregisterCurveIKSolverPrimitive();
   UnRegisterNotification(OnHostStarted, nullptr, NOTIFY_HOST_STARTED);
   UnRegisterNotification(OnHostClosing, nullptr, NOTIFY_HOST_CLOSING);
   OnHostClosing(nullptr, nullptr);

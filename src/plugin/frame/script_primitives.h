@@ -7,5 +7,7 @@ namespace tavrilon {
 // solvers/
 void RegisterIKFKSolverPrimitive();
 void UnregisterIKFKSolverPrimitive();
+void RegisterCurveIKSolverPrimitive();
+void UnregisterCurveIKSolverPrimitive();
 
 }  // namespace tavrilon

@@ -10,6 +10,7 @@
 #include "host/script/primitives.h"
 #include "plugin/constraints/transform_constraint.h"
 #include "plugin/frame/rig_maths.h"
+#include "plugin/frame/script_primitives.h"
 #include "plugin/shapes/control_params.h"
 #include "plugin/shapes/control_shape.h"
 #include "plugin/shapes/shape_type.h"
@@ -237,7 +238,7 @@ INode* CreateCurveIKSolver(INode* start, INode* end, const CurveIKSolverOptions&
   return SolverBuilder(row, options).Build();
 }
 
-void RegisterCurveIKPrimitives() { RegisterScriptPrimitive(L"CreateCurveIKSolver", CreateFromScript); }
-void UnregisterCurveIKPrimitives() { UnregisterScriptPrimitive(L"CreateCurveIKSolver"); }
+void RegisterCurveIKSolverPrimitive() { RegisterScriptPrimitive(L"CreateCurveIKSolver", CreateFromScript); }
+void UnregisterCurveIKSolverPrimitive() { UnregisterScriptPrimitive(L"CreateCurveIKSolver"); }
 
 }  // namespace tavrilon

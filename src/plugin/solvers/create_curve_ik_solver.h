@@ -26,8 +26,4 @@ std::vector<corvanta::INode*> JointRow(corvanta::INode* start, corvanta::INode* 
 /// joints have no length, or an option is out of its range. One undo step, "Create Curve IK Solver".
 corvanta::INode* CreateCurveIKSolver(corvanta::INode* start, corvanta::INode* end, const CurveIKSolverOptions& options);
 
-/// Makes the builder known to scripts as CreateCurveIKSolver.
-void RegisterCurveIKPrimitives();
-void UnregisterCurveIKPrimitives();
-
 }  // namespace tavrilon

@@ -13,6 +13,11 @@ float PieceLength(const SampledCurve& curve, int i) {
   return curve.samples[static_cast<size_t>(i) + 1].length - curve.samples[static_cast<size_t>(i)].length;
 }
 
+// By the places: outside the curve an error of the length grows with the way, and the sums lose the small pieces.
+float EndPieceLength(const SampledCurve& curve, int i) {
+  return Length(curve.samples[static_cast<size_t>(i) + 1].pos - curve.samples[static_cast<size_t>(i)].pos);
+}
+
 // Ways along the curve in lengths of a piece; a piece without length is none to go by.
 float InPieces(float way, float piece) { return piece > 0 ? way / piece : 0; }
 
@@ -30,8 +35,8 @@ float WayByPoints(const SampledCurve& curve, float u) {
 CurvePlace CurveLookup::ParamAt(float u, float slide) {
   const int last = Last();
   if (last < 1) return {};
-  if (!(u > 0)) return {0, InPieces(curve_.length * u, PieceLength(curve_, 0))};
-  if (u >= 1) return {last, InPieces(curve_.length * (u - 1), PieceLength(curve_, last - 1))};
+  if (!(u > 0)) return {0, InPieces(curve_.length * u, EndPieceLength(curve_, 0))};
+  if (u >= 1) return {last, InPieces(curve_.length * (u - 1), EndPieceLength(curve_, last - 1))};
   float way = u * curve_.length;
   if (slide < 1) {
     const float nailed = WayByPoints(curve_, u);

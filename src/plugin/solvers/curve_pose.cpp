@@ -39,8 +39,8 @@ float SquashBase(const CurvePoseIn& in) {
   return base > 0 ? base : 1;
 }
 
-// `RotationFromX` of a unit vector, in closed form where it is well conditioned: half way to the vector lies the axis of
-// half a turn, so the cosine of half the angle is half the length of X + v.
+// `RotationFromX` of a unit vector, in closed form where it is well conditioned: half way to the vector lies the axis
+// of half a turn, so the cosine of half the angle is half the length of X + v.
 Quat TurnToUnit(const Point3& v) {
   if (!(v.x > -0.5f)) return RotationFromX(v);
   const float length = std::sqrt(2 * (1 + v.x));

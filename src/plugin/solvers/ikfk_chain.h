@@ -50,9 +50,9 @@ class IKFKChain final : public corvanta::Control,
   /// The factor of automatic stretch at `t`, 1 for none.
   float GetStretch(corvanta::TimeValue t);
   /// What `rotation_space` turns the FK of joint 0 by at `t`; identity while it is not in use.
-  corvanta::Quat GetSpaceQuat(corvanta::TimeValue t);
+  corvanta::Quat GetSpaceQuat(corvanta::TimeValue t) const;
   /// World matrix that joint 0 hangs on.
-  corvanta::Matrix3 GetChainParentTM(corvanta::TimeValue t);
+  corvanta::Matrix3 GetChainParentTM(corvanta::TimeValue t) const;
   /// The control of a slot when the slot's node is driven by this chain; else null.
   IKFKControl* JointControl(int i) const { return ControlOf(corvanta::ParamID{ikfk_chain::kJoints}, i); }
   IKFKControl* ControlOf(corvanta::ParamID id, int tab = 0) const;
@@ -152,9 +152,9 @@ class IKFKChain final : public corvanta::Control,
   void SolveOnce(corvanta::TimeValue t, float blend, int fixedJoint = -1);
   void GatherJoints(corvanta::TimeValue t);
   void GatherIK(corvanta::TimeValue t, LimbIn& in);
-  void ReadParentTM(corvanta::TimeValue t);
+  corvanta::Matrix3 ParentTMAt(corvanta::TimeValue t, corvanta::Interval& valid) const;
   corvanta::Matrix3 GoalBaseTM(corvanta::TimeValue t, corvanta::Interval& valid) const;
-  corvanta::Quat SpaceQuatAt(corvanta::TimeValue t, corvanta::Interval& valid) const;
+  corvanta::Quat SpaceQuatAt(corvanta::TimeValue t, const corvanta::Matrix3& parentTM, corvanta::Interval& valid) const;
   float AimTwist(corvanta::TimeValue t);
   bool InFigureMode() const;
 
@@ -168,6 +168,7 @@ class IKFKChain final : public corvanta::Control,
   void StoreSpaceOffset(corvanta::TimeValue t);
 
   void MoveGoal(corvanta::TimeValue t, const corvanta::Matrix3& end);
+  bool IKGivesRest(corvanta::TimeValue t);
   void PreferPose(corvanta::TimeValue t, std::vector<JointPose> poses);
 
   // What evaluation reads and keeps comes first.
@@ -178,7 +179,6 @@ class IKFKChain final : public corvanta::Control,
   Origin notifyOrigin_ = kNone;
   int suspendMatch_ = 0;
   float stretch_ = 1;
-  corvanta::Quat spaceQuat_;
   corvanta::Matrix3 parentTM_;
   std::vector<LimbJoint> joints_;
   std::vector<JointPose> poses_;

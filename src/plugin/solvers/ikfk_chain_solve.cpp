@@ -69,16 +69,15 @@ float IKFKChain::GetStretch(TimeValue t) {
   return stretch_;
 }
 
-Quat IKFKChain::GetSpaceQuat(TimeValue t) {
+Quat IKFKChain::GetSpaceQuat(TimeValue t) const {
   if (!HasSpace()) return {};
   Interval valid = FOREVER;
-  ReadParentTM(t);
-  return SpaceQuatAt(t, valid);
+  return SpaceQuatAt(t, ParentTMAt(t, valid), valid);
 }
 
-Matrix3 IKFKChain::GetChainParentTM(TimeValue t) {
-  ReadParentTM(t);
-  return parentTM_;
+Matrix3 IKFKChain::GetChainParentTM(TimeValue t) const {
+  Interval valid = FOREVER;
+  return ParentTMAt(t, valid);
 }
 
 // Solving.
@@ -109,23 +108,18 @@ void IKFKChain::Solve(TimeValue t, float blend, int fixedJoint) {
   LimbIn in;
   in.blend = blend;
   in.fixedJoint = fixedJoint;
-  ReadParentTM(t);
-  in.parentTM = parentTM_;
+  in.parentTM = parentTM_ = ParentTMAt(t, valid_);
   GatherJoints(t);
-  spaceQuat_ = {};
-  if (n > 0 && blend < 1 && HasSpace()) {
-    spaceQuat_ = SpaceQuatAt(t, valid_);
-    joints_[0].rot = joints_[0].rot * spaceQuat_;
-  }
+  if (n > 0 && blend < 1 && HasSpace()) joints_[0].rot = joints_[0].rot * SpaceQuatAt(t, parentTM_, valid_);
   if (blend > 0) GatherIK(t, in);
   in.joints = joints_;
   stretch_ = SolveLimb(in, poses_, work_);
 }
 
-void IKFKChain::ReadParentTM(TimeValue t) {
-  INode* first = NumJoints() > 0 ? NodeOf(kJoints) : nullptr;
+Matrix3 IKFKChain::ParentTMAt(TimeValue t, Interval& valid) const {
+  const INode* first = NumJoints() > 0 ? NodeOf(kJoints) : nullptr;
   INode* parent = first ? first->GetParentNode() : nullptr;
-  parentTM_ = parent && !parent->IsRootNode() ? parent->GetNodeTM(t, valid_) : Matrix3();
+  return parent && !parent->IsRootNode() ? parent->GetNodeTM(t, valid) : Matrix3();
 }
 
 void IKFKChain::GatherJoints(TimeValue t) {
@@ -178,11 +172,11 @@ Matrix3 IKFKChain::GoalBaseTM(TimeValue t, Interval& valid) const {
   return parent ? parent->GetNodeTM(t, valid) : Matrix3();
 }
 
-Quat IKFKChain::SpaceQuatAt(TimeValue t, Interval& valid) const {
+Quat IKFKChain::SpaceQuatAt(TimeValue t, const Matrix3& parentTM, Interval& valid) const {
   INode* node = NodeOf(kRotationSpaceNode);
   Matrix3 space = node ? node->GetNodeTM(t, valid) : Matrix3();
   if (block_->GetBool(kKeepInitialRotSpace)) space = block_->GetMatrix3(kInitialRotSpaceOffset) * space;
-  const Quat turn = OrthoQuat(space * Inverse(parentTM_));
+  const Quat turn = OrthoQuat(space * Inverse(parentTM));
   return SlerpClosest(Quat(), turn, block_->GetFloat(kRotationSpace, t, valid));
 }
 

@@ -105,9 +105,9 @@ Matrix3 IKFKControl::GetReferenceTM(TimeValue t) const {
     return node ? node->GetParentTM(t) : Matrix3();
   }
   if (type_ == kJoint && index_ >= 1) return chain->GetJointPose(index_ - 1, t).tm;
-  const Matrix3 parent = chain->GetChainParentTM(t);
-  Matrix3 tm = MakeMatrix(chain->GetSpaceQuat(t)) * parent;
-  if (type_ != kJoint) tm.SetTrans(chain->GetJointPose(0, t).tm.GetTrans());
+  Matrix3 tm = chain->GetChainParentTM(t);
+  if (type_ == kJoint) return MakeMatrix(chain->GetSpaceQuat(t)) * tm;
+  tm.SetTrans(chain->GetJointPose(0, t).tm.GetTrans());
   return tm;
 }
 

@@ -46,6 +46,22 @@ class NodeMove {
   TimeValue t_;
 };
 
+/// Brings an FK controller to a local rotation. An Euler controller takes a turn about nearly one of its rings for one
+/// about the ring itself: what is missing then is far from any ring.
+void TurnFK(const IKFKControl& control, TimeValue t, const Quat& wanted) {
+  constexpr int kMost = 3;
+  constexpr float kClose = 1e-6f;  // of the quaternion's vector: half a millionth of a turn's angle
+  const MirrorPairOff off;
+  for (int i = 0; i < kMost; ++i) {
+    Interval valid = FOREVER;
+    const Quat turn = OrthoQuat(control.GetFKValue(t, valid));
+    const Quat missing = MakeClosest(wanted, turn) * Conjugate(turn);
+    if (i > 0 && Length(Point3{missing.x, missing.y, missing.z}) < kClose) return;
+    SetXFormPacket packet = SetXFormPacket::Rotate(missing, true, Matrix3(), QuatMatrix(turn));
+    control.GetFK()->SetValue(t, packet, true, CTRL_RELATIVE);
+  }
+}
+
 /// While the chain writes its own handles nothing matches by itself.
 class WritingHandles {
  public:
@@ -86,13 +102,7 @@ void IKFKChain::MatchFKPose(TimeValue t, bool toIK, bool withLast, int onlyJoint
     if (!control || !control->GetFK()) continue;
     Quat wanted = poses[static_cast<size_t>(i)].rot;
     if (i == 0) wanted = wanted * Conjugate(space);
-    Interval valid = FOREVER;
-    const Matrix3 present = control->GetFKValue(t, valid);
-    const Quat turn = OrthoQuat(present);
-    SetXFormPacket packet =
-        SetXFormPacket::Rotate(MakeClosest(wanted, turn) * Conjugate(turn), true, Matrix3(), QuatMatrix(turn));
-    const MirrorPairOff off;
-    control->GetFK()->SetValue(t, packet, true, CTRL_RELATIVE);
+    TurnFK(*control, t, wanted);
   }
   dirty_ = true;
 }
@@ -204,6 +214,22 @@ void IKFKChain::GuaranteeBend(TimeValue t) {
   middle->GetPreferred()->SetValue(t, bent, true, CTRL_ABSOLUTE);
 }
 
+// Rounding grows with how straight a limb is: a thousandth of a percent of its length is what a nearly straight one
+// shows.
+bool IKFKChain::IKGivesRest(TimeValue t) {
+  SolveOnce(t, 0);
+  const std::vector<JointPose> rest = poses_;
+  SolveOnce(t, 1);
+  float length = 0;
+  for (size_t i = 1; i < rest.size(); ++i) length += Length(rest[i].pos);
+  for (size_t i = 0; i < rest.size(); ++i) {
+    const Matrix3 apart = poses_[i].tm * Inverse(rest[i].tm);
+    if (Length(poses_[i].tm.GetTrans() - rest[i].tm.GetTrans()) > 1e-5f * length) return false;
+    if (Length(apart.GetRow(0) - Point3{1, 0, 0}) + Length(apart.GetRow(1) - Point3{0, 1, 0}) > 2e-5f) return false;
+  }
+  return true;
+}
+
 // In figure mode the controls write their rest pose instead of their animation, which is what is wanted here.
 void IKFKChain::RefitRest(TimeValue t) {
   if (!block_) return;
@@ -212,7 +238,7 @@ void IKFKChain::RefitRest(TimeValue t) {
   SolveOnce(t, 0);
   PreferPose(t, poses_);
   GuaranteeBend(t);
-  MatchIKPose(t, true, true, true);
+  if (!IKGivesRest(t)) MatchIKPose(t, true, true, true);
 }
 
 }  // namespace tavrilon

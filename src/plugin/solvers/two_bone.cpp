@@ -49,11 +49,10 @@ float BendTwoBones(const LimbIn& in, const LimbSpace& space, std::span<JointPose
   const Point3 elbow = ElbowInPlane(upperLength * soft.boneScale, lowerLength * soft.boneScale, soft.distance);
   const float factor = soft.boneScale * StretchToReach(length * soft.boneScale, soft.distance, stretch);
 
-  // The frame that carries the upper bone along X and bends the preferred way towards Y.
-  Point3 side = TurnVector(lower, bend);
-  side.y = -side.y;
+  // The turn that carries the upper bone along X and its bend, away from where the lower bone goes, towards Y. For an
+  // upper bone along X this is the frame of the lower bone with its Y negated; the inverse serves any other, too.
   const Point3 along = Direction(upper, upperLength);
-  const Quat carried = FrameTurn(along, side), plane = BendFrame(in, space);
+  const Quat carried = Conjugate(FrameTurn(along, -TurnVector(lower, bend))), plane = BendFrame(in, space);
   const Point3 toElbow = TurnVector(Direction(elbow, upperLength * soft.boneScale), Conjugate(carried));
   out[0].rot = TurnToElbow(along, toElbow, carried) * carried * plane;
   const Point3 toGoal = space.aim * soft.distance - TurnVector(elbow, plane);

@@ -85,8 +85,7 @@ class LimbRigTest : public ::testing::Test {
   static float Turned(const Matrix3& a, const Matrix3& b) {
     // Twice the arc sine of half the chord: precise near 0, unlike an arc cosine.
     float chord = 0;
-    for (int r = 0; r < 3; ++r)
-      chord = std::max(chord, Length(Normalize(a.GetRow(r)) - Normalize(b.GetRow(r))));
+    for (int r = 0; r < 3; ++r) chord = std::max(chord, Length(Normalize(a.GetRow(r)) - Normalize(b.GetRow(r))));
     return 2 * std::asin(std::min(chord / 2, 1.0f));
   }
   INode* object = nullptr;
@@ -104,9 +103,9 @@ inline INode* RightOf(INode* node) {
   return GetScene().GetINodeByName(name);
 }
 
-inline const RigType kLimbTypes[] = {RigType::Biped,     RigType::Hands,     RigType::Feet,       RigType::Arms,
-                                     RigType::Legs,      RigType::FrontLegs, RigType::BackLegs,   RigType::Quadruped,
-                                     RigType::Minotaur,  RigType::Centaur,   RigType::FrontPaws,  RigType::BackPaws,
+inline const RigType kLimbTypes[] = {RigType::Biped,     RigType::Hands,     RigType::Feet,      RigType::Arms,
+                                     RigType::Legs,      RigType::FrontLegs, RigType::BackLegs,  RigType::Quadruped,
+                                     RigType::Minotaur,  RigType::Centaur,   RigType::FrontPaws, RigType::BackPaws,
                                      RigType::InsectLeg, RigType::Insect};
 inline std::string TypeName(const testing::TestParamInfo<RigType>& info) {
   return ToUtf8(kRigTypeNames[static_cast<int>(info.param)]);

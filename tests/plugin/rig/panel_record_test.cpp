@@ -33,14 +33,15 @@ TEST(PanelLayout, AColumnSpreadsNoMoreThanItMust) {
 
 TEST(PanelLayout, AFreePlaceLeavesRoomForTheMirrored) {
   const std::vector<PanelRect> taken = {At(300, 100, 80, 20), At(400, 100, 100, 20)};
-  const PanelRect single = FreePlace(At(330, 105, 15, 15), taken, false);
+  const PanelRect single = FreePlace(At(330, 105, 15, 15), taken, kSideCenter);
   for (const PanelRect& t : taken) EXPECT_FALSE(Overlaps(single, t));
-  const PanelRect right = FreePlace(At(200, 100, 30, 20), taken, true);  // its mirror would lie on the second
+  const PanelRect right = FreePlace(At(200, 100, 30, 20), taken, kSideRight);  // its mirror would lie on the second
   for (const PanelRect& t : taken) {
     EXPECT_FALSE(Overlaps(right, t));
     EXPECT_FALSE(Overlaps(MirrorRect(right), t));
   }
-  EXPECT_EQ(FreePlace(At(10, 10, 5, 5), taken, true), At(10, 10, 5, 5));
+  EXPECT_EQ(FreePlace(At(10, 10, 5, 5), taken, kSideRight), At(10, 10, 5, 5));
+  EXPECT_LT(FreePlace(At(350, 10, 5, 5), taken, kSideRight).x, kPanelAxis) << "the right keeps to its side";
 }
 
 class PanelRecordTest : public RigSystemTest, public testing::WithParamInterface<RigType> {
@@ -105,7 +106,7 @@ TEST_P(PanelRecordTest, SpinnersShowTheirParameters) {
       const ParamRow* row = attribute->GetParamDef(spinner.param);
       ASSERT_NE(row, nullptr);
       EXPECT_TRUE(row->Is(kAnimatable));
-      EXPECT_EQ(WStr(row->label), spinner.label + L":");
+      EXPECT_EQ(WStr(row->label), spinner.label == L"Softness" ? L"Soft IK:" : spinner.label + L":");
       EXPECT_EQ(spinner.min, row->range.min);
       EXPECT_EQ(spinner.max, row->range.max);
       const float unit = row->type == corvanta::ParamType::Percent ? 100

@@ -43,7 +43,7 @@ struct Motion {
 TEST_F(ReverseFoot, ContactPointsStayOnTheGround) {
   using namespace foot_attrib;
   const Motion kMotions[] = {
-      {"roll to the ball", kFootRoll, 30, kToes, kTip, 4.34f}, {"roll over the tip", kFootRoll, 70, kTip, kTip, 12.80f},
+      {"roll to the ball", kFootRoll, 30, kToes, kTip, 5.51f}, {"roll over the tip", kFootRoll, 70, kTip, kTip, 12.80f},
       {"roll over the heel", kFootRoll, -20, kGoal, kHeel, 0}, {"bank out", kBanking, 20, kGoal, kOuter, -1},
       {"bank in", kBanking, -20, kGoal, kInner, -1},           {"turn on the heel", kHeelPivot, 30, kGoal, kHeel, 0},
       {"turn on the ball", kBallPivot, 30, kGoal, kBall, 0},   {"turn on the tip", kToePivot, 30, kGoal, kTip, 0},
@@ -65,6 +65,11 @@ TEST_F(ReverseFoot, ContactPointsStayOnTheGround) {
     }
     Set(m.param, 0);
   }
+}
+
+TEST_F(ReverseFoot, RollBringsTheHeelForward) {
+  Set(foot_attrib::kFootRoll, 30);
+  EXPECT_NEAR(At({kFoot, kHeel}).y, 4.34f, 0.005f);
 }
 
 TEST_F(ReverseFoot, DirectionsAreTheAnimators) {

@@ -80,30 +80,40 @@ TEST_F(TwistRig, SquashThinsAStretchedLimb) {
   ParamBlock2& limb = Limb(L"l_ikfk_arm_1");
   limb.SetValue(limb_attrib::kAutoStretch, 0, 1.0f);
   Move(Node(L"l_ik_hand_1"), {30, 0, 0});
+  // The bones go along with the stretch.
+  const Point3 elbow = Place(L"l_forearm_1"), wrist = Place(L"l_hand_1");
+  EXPECT_GT(Length(wrist - elbow), 20);
+  EXPECT_LT(Length(Place(L"bone_l_forearm_twist_3") - (elbow + (wrist - elbow) * (2.0f / 3))), 5e-3f);
   EXPECT_NEAR(Length(TM(L"bone_l_forearm_twist_2").GetRow(1)), 1, 1e-4f);
   limb.SetValue(limb_attrib::kSquash, 0, 1.0f);
   EXPECT_LT(Length(TM(L"bone_l_forearm_twist_2").GetRow(1)), 0.7f);
   EXPECT_LT(Length(Place(L"bone_l_hand_1") - Place(L"l_ik_hand_1")), 1e-2f);
 }
 
-// In the middle of a bent arm: straight at 0, on a curve through the elbow at 1.
+// At a bent elbow: a kink at 0, on a curve through the elbow at 1.
 TEST_F(TwistRig, BendyLeavesTheStraightLine) {
-  Make({{rig_param::kBendyControls, 1}});
+  Make({{rig_param::kBendyControls, 1}, {rig_param::kUpperArmTwistBones, 8}, {rig_param::kForearmTwistBones, 8}});
   TurnIn(L"l_forearm_1", L"l_forearm_1", {{0, 0, 1}, 80 * kDegToRad});
   const auto kink = [&] {
-    const Point3 before = TM(L"bone_l_upper_arm_twist_3").GetRow(0), after = TM(L"bone_l_forearm_twist_1").GetRow(0);
+    const Point3 elbow = Place(L"bone_l_forearm_twist_1");
+    const Point3 before = Normalize(elbow - Place(L"bone_l_upper_arm_twist_8"));
+    const Point3 after = Normalize(Place(L"bone_l_forearm_twist_2") - elbow);
     return std::acos(std::clamp(Dot(before, after), -1.0f, 1.0f)) * kRadToDeg;
   };
-  const Point3 elbow = Place(L"bone_l_forearm_twist_1"), middle = Place(L"bone_l_forearm_twist_2");
-  const float straight = kink();
-  EXPECT_GT(straight, 70);
+  const Point3 elbow = Place(L"bone_l_forearm_twist_1"), middle = Place(L"bone_l_forearm_twist_4");
+  EXPECT_NEAR(kink(), 87.98f, 0.1f) << "the bend of the rest and the turn";
+  Limb(L"l_ikfk_arm_1").SetValue(limb_attrib::kBendy, 0, 0.5f);
+  const float half = kink();
+  EXPECT_LT(half, 75);
   Limb(L"l_ikfk_arm_1").SetValue(limb_attrib::kBendy, 0, 1.0f);
-  EXPECT_LT(kink(), 0.65f * straight);
+  EXPECT_LT(kink(), 0.6f * half) << "chords of an eighth on both sides of one tangent";
   EXPECT_LT(Length(Place(L"bone_l_forearm_twist_1") - elbow), 1e-3f) << "the curve runs through the elbow";
-  EXPECT_GT(Length(Place(L"bone_l_forearm_twist_2") - middle), 0.5f);
+  EXPECT_GT(Length(Place(L"bone_l_forearm_twist_4") - middle), 0.5f);
   EXPECT_TRUE(Limb(L"l_ikfk_arm_1").GetBool(limb_attrib::kBendyActive));
   // A tangent can be moved by hand, too.
+  const Point3 upper = Place(L"bone_l_upper_arm_twist_4");
   Move(Node(L"l_upper_arm_twist_tangent_start_1"), {0, 0, 5});
+  EXPECT_GT(Place(L"bone_l_upper_arm_twist_4").z, upper.z + 1);
   EXPECT_LT(Length(Place(L"bone_l_forearm_twist_1") - elbow), 1e-3f);
 }
 

@@ -3,9 +3,7 @@
 #include <algorithm>
 
 #include "host/io/scene_file.h"
-#include "host/script/execute.h"
-#include "plugin/frame/script_primitives.h"
-#include "plugin/solvers/create_ikfk_solver.h"
+#include "host/view/recorder.h"
 #include "plugin/solvers/ikfk_display_mod.h"
 #include "plugin/solvers/ikfk_rig_test.h"
 
@@ -50,6 +48,68 @@ TEST_F(IKFKTest, NodesAreWrappedAndGetTheirControllersBack) {
   EXPECT_FALSE(IsWrapped(rig.foot));
 }
 
+// A chain may be set up before it sits on a node.
+TEST_F(IKFKTest, NodesAreWrappedWhenTheChainGetsItsNode) {
+  INode *a = AddNode(L"a"), *b = AddNode(L"b", a), *goal = AddNode(L"goal"), *node = AddNode(L"chain");
+  b->SetNodeTM(0, At({10, 0, 0}));
+  auto* chain = new IKFKChain;
+  for (INode* joint : {a, b}) chain->GetParamBlock()->Append(kJoints, joint);
+  chain->GetParamBlock()->SetValue(kGoal, 0, goal);
+  EXPECT_FALSE(IsWrapped(a));
+  node->SetTMController(chain);
+  for (const INode* wrapped : {a, b, goal}) EXPECT_TRUE(IsWrapped(wrapped));
+  goal->SetNodeTM(0, At({0, 10, 0}));
+  EXPECT_LE(Length(b->GetNodeTM(0).GetTrans() - Point3{0, 10, 0}), 1e-3f);
+}
+
+TEST_F(IKFKTest, LinesShowWhatBelongsTogether) {
+  const LimbRig rig = Build();
+  rig.Block().SetValue(kIkfkBlend, 0, 0.5f);
+  const struct {
+    INode* node;
+    ParamID id;
+    int display;
+    bool selected, drawn;
+    INode* to;
+  } kRows[] = {
+      {rig.goal, kDisplayGoal, 0, true, false, nullptr},
+      {rig.goal, kDisplayGoal, 1, false, false, nullptr},
+      {rig.goal, kDisplayGoal, 1, true, true, rig.joints[0]},
+      {rig.pole, kDisplayTarget, 2, false, true, rig.joints[1]},
+      {rig.joints[1], kDisplayTarget, 2, true, false, nullptr},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(testing::Message() << row.id << ' ' << row.display << ' ' << row.selected);
+    rig.Block().SetValue(row.id, 0, row.display);
+    GetScene().ClearNodeSelection();
+    if (row.selected) GetScene().SelectNode(row.node);
+    RecordingWindow window;
+    Box3 box;
+    row.node->GetTMController()->Display(0, row.node, window);
+    row.node->GetTMController()->GetWorldBoundBox(0, row.node, box);
+    ASSERT_EQ(window.Primitives().size(), row.drawn ? 1u : 0u);
+    EXPECT_EQ(box.IsEmpty(), !row.drawn);
+    if (!row.drawn) continue;
+    const Primitive& line = window.Primitives()[0];
+    EXPECT_LE(Length(line.points[0] - row.node->GetNodeTM(0).GetTrans()), 1e-4f);
+    EXPECT_LE(Length(line.points[1] - row.to->GetNodeTM(0).GetTrans()), 1e-4f);
+    EXPECT_NEAR(line.state.colour.r, (row.selected ? 1 : 0.496f) * 0.5f, 1e-5f) << "the colour goes by the blend";
+  }
+}
+
+// Where a pose measures a control: a joint under its parent as it is solved, handles in the chain's parent.
+TEST_F(IKFKTest, ReferenceFrames) {
+  const LimbRig rig = Build();
+  MoveGoal(rig);
+  const auto frame = [](const INode* node) { return FindIKFKControl(node)->GetReferenceTM(0); };
+  EXPECT_TRUE(frame(rig.joints[2]) == rig.joints[1]->GetNodeTM(0));
+  EXPECT_TRUE(frame(rig.joints[0]) == rig.clavicle->GetNodeTM(0));
+  Matrix3 handles = rig.clavicle->GetNodeTM(0);
+  handles.SetTrans(rig.joints[0]->GetNodeTM(0).GetTrans());
+  EXPECT_TRUE(frame(rig.goal) == handles);
+  EXPECT_TRUE(frame(rig.pole) == handles);
+}
+
 TEST_F(IKFKTest, TheNodesBetweenGoalAndItsParentAreListed) {
   const LimbRig rig = Build();
   INode* pivot = AddControl(L"pivot", rig.foot, rig.foot->GetNodeTM(0));
@@ -71,6 +131,37 @@ TEST_F(IKFKTest, TheNodesBetweenGoalAndItsParentAreListed) {
   rig.chain->IK();
   ExpectSamePoses(Poses(rig.joints), fk, rig.Length());
   ExpectSamePoses({pivot->GetNodeTM(0) * Inverse(rig.foot->GetNodeTM(0))}, {turned}, 10);
+}
+
+// What users and scripts may put into the slots: nothing that the limb would have to wait for itself.
+TEST_F(IKFKTest, SlotsRefuseLoops) {
+  const LimbRig rig = Build();
+  INode* hand = AddNode(L"hand", rig.End());
+  INode* above = AddNode(L"above", rig.main);
+  const struct {
+    ParamID id;
+    INode* node;
+    bool fits;
+  } kRows[] = {
+      {kGoal, rig.End(), false},
+      {kGoal, hand, false},
+      {kGoal, rig.goal, true},
+      {kGoal, above, true},
+      {kTarget, hand, false},
+      {kTarget, rig.goal, true},
+      {kTarget, rig.chainNode, false},
+      {kRotationSpaceNode, hand, false},
+      {kRotationSpaceNode, rig.main, true},
+      {kJoints, hand, true},
+      {kJoints, rig.foot, false},
+      {kJoints, rig.main, false},
+      {kGoalParent, rig.foot, true},
+      {kGoalParent, above, false},
+      {kGoalParent, rig.goal, false},
+  };
+  for (const auto& row : kRows)
+    EXPECT_EQ(rig.Block().GetParamDef(row.id)->validator->Validate(rig.chain, row.id, row.node), row.fits)
+        << row.id << ToUtf8(row.node->GetName());
 }
 
 // Random edits of a rig, all taken back: the scene saves as before, and shows the same matrices to the bit.
@@ -277,68 +368,6 @@ TEST_F(IKFKTest, HelpersFadeWithTheBlend) {
   rig.Block().SetValue(kAffectHelpersDisplay, 0, false);
   Interval valid = FOREVER;
   EXPECT_EQ(HelperWeight(rig.goal, 0, valid), 1);
-}
-
-class CreateSolverTest : public IKFKTest {
- protected:
-  void SetUp() override {
-    IKFKTest::SetUp();
-    RegisterIKFKSolverPrimitive();
-    INode* parent = nullptr;
-    for (const wchar_t* name : {L"root", L"thigh", L"shin", L"foot"}) {
-      INode* node = AddNode(name, parent);
-      const Matrix3 parentTM = parent ? parent->GetNodeTM(0) : Matrix3();
-      node->SetNodeTM(0, At({10, 0, 0}, QuatFromMatrix(RotateZMatrix(-0.3f))) * parentTM);
-      bones.push_back(parent = node);
-    }
-  }
-  void TearDown() override {
-    UnregisterIKFKSolverPrimitive();
-    IKFKTest::TearDown();
-  }
-  std::vector<INode*> bones;
-};
-
-TEST_F(CreateSolverTest, MakesAWorkingLimbAndMovesNothing) {
-  const std::vector<Matrix3> before = Poses(bones);
-  INode* node = MakeIKFKSolver(bones[1], bones[3]);
-  IKFKChain* chain = FindIKFKChain(node);
-  ASSERT_NE(chain, nullptr);
-  EXPECT_TRUE(node->Selected());
-  EXPECT_EQ(node->GetName().substr(0, 9), L"IKFKChain");
-  EXPECT_EQ(chain->NumJoints(), 3);
-  ExpectSamePoses(Poses(bones), before, 30);
-  INode* goal = chain->GetWeakNode(kGoal);
-  const Point3 place = goal->GetNodeTM(0).GetTrans() + Point3{-2, 1, 1};
-  goal->SetNodeTM(0, At(place));
-  EXPECT_LE(Length(bones[3]->GetNodeTM(0).GetTrans() - place), 2e-3f);
-  EXPECT_EQ(MakeIKFKSolver(bones[3], bones[1]), nullptr);
-  EXPECT_EQ(theHold.NumUndo(), 1);
-  ASSERT_TRUE(theHold.Undo());
-  EXPECT_TRUE(Poses(bones) == before);
-  EXPECT_EQ(GetScene().Nodes().size(), bones.size());
-}
-
-TEST_F(CreateSolverTest, ScriptErrors) {
-  const struct {
-    const wchar_t *script, *error;
-  } kRows[] = {
-      {L"CreateIKFKSolver 5 $foot", L"Expected a Node for the first argument, in function CreateIKFKSolver"},
-      {L"CreateIKFKSolver $thigh \"x\"", L"Expected a Node for the second argument, in function CreateIKFKSolver"},
-      {L"CreateIKFKSolver undefined $foot", L"Expected a valid Node for Start Joint, in function CreateIKFKSolver"},
-      {L"CreateIKFKSolver $thigh undefined", L"Expected a valid Node for End Joint, in function CreateIKFKSolver"},
-      {L"CreateIKFKSolver $thigh", L"CreateIKFKSolver"},
-      {L"CreateIKFKSolver $foot $thigh", L""},
-      {L"c = CreateIKFKSolver $thigh $foot; c.controller.FK(); c.controller.interface.MatchIK toFK:true", L""},
-  };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(ToUtf8(row.script));
-    const ScriptOutcome outcome = RunScript(row.script, L"test");
-    if (*row.error)
-      EXPECT_NE(outcome.message.find(row.error), WStr::npos) << ToUtf8(outcome.message);
-    else
-      EXPECT_EQ(outcome.message, L"");
-  }
 }
 
 }  // namespace

@@ -60,5 +60,34 @@ TEST(TwoBone, ElbowPointsAtTheTarget) {
   }
 }
 
+// A limb whose preferred pose is its FK pose, with goal and target on that pose, keeps it: whichever way the bones run
+// in their joints and about whichever axis they bend.
+TEST(TwoBone, TheRestIsItsOwnSolution) {
+  RandomLimbs limbs;
+  int bent = 0;
+  for (int i = 0; i < 300; ++i) {
+    Limb limb = limbs.Next(3);
+    limb.bones[1].pos = limbs.Place() * 0.2f;
+    limb.bones[2].pos = limbs.Place() * 0.2f;
+    for (LimbJoint& joint : limb.bones) joint.preferred = joint.rot;
+    limb.blend = 0;
+    const std::vector<JointPose> rest = limb.Solve();
+    const Point3 root = rest[0].tm.GetTrans(), elbow = rest[1].tm.GetTrans(), end = rest[2].tm.GetTrans();
+    const Point3 upper = Normalize(elbow - root), lower = Normalize(end - elbow);
+    if (Length(Cross(upper, lower)) < 0.1f) continue;
+    ++bent;
+    limb.blend = 1;
+    limb.hasTarget = true;
+    limb.target = elbow + upper - lower;
+    limb.goalTM = rest[2].tm;
+    const std::vector<JointPose>& pose = limb.Solve();
+    for (size_t j = 0; j < 3; ++j)
+      for (int r = 0; r < 4; ++r)
+        // Places of up to 35 units, and a reach that is as exact as its square root allows.
+        ASSERT_LT(Length(pose[j].tm.GetRow(r) - rest[j].tm.GetRow(r)), 2e-3f) << i << " joint " << j << " row " << r;
+  }
+  EXPECT_GT(bent, 200);
+}
+
 }  // namespace
 }  // namespace tavrilon

@@ -4,6 +4,7 @@
 #include "host/core/hold.h"
 #include "plugin/attributes/attributes.h"
 #include "plugin/connections/connect.h"
+#include "plugin/rig/detail/wiring.h"
 #include "plugin/solvers/curve_ik_chain.h"
 #include "plugin/solvers/curve_ik_control.h"
 
@@ -27,8 +28,7 @@ CurveIKChain* AddChain(Parts& parts, const CurveRowSpec& spec, CurveRow& row) {
                                     spec.parent.control, 0.02f * parts.height);
   if (!row.chain) return nullptr;
   auto* chain = new CurveIKChain;
-  const HoldResume recorded;
-  row.chain->SetTMController(chain);
+  AssignTransform(row.chain, chain);
   row.block = chain->GetParamBlock();
   return chain;
 }

@@ -2,11 +2,11 @@
 // Neck and head, with fangs and ponytails.
 #include <algorithm>
 
-#include "host/core/hold.h"
 #include "plugin/attributes/attributes.h"
 #include "plugin/connections/connect.h"
 #include "plugin/constraints/rotation_space.h"
 #include "plugin/rig/detail/trunk.h"
+#include "plugin/rig/detail/wiring.h"
 
 namespace tavrilon::detail {
 
@@ -78,20 +78,12 @@ INode* MakeHead(Parts& parts, const Neck& neck, float length) {
 }
 
 // At full weight the head keeps looking where it looked, however the neck bends; its place goes with the neck.
-void AddRotationSpace(Parts& parts, INode* head) {
+void FollowTorsoByWeight(Parts& parts, INode* head) {
   if (!head || !parts.state.torso) return;
-  auto* space = new RotationSpace;
-  {
-    const HoldResume recorded;
-    Ref<Control> inner = head->GetTMController();
-    head->SetTMController(space);
-    space->SetInner(inner.Get());
-    space->GetParamBlock()->SetValue(RotationSpace::kKeepInitialOffset, 0, true);
-    space->SetTarget(parts.state.torso);
-  }
-  ParamBlock2* attrib = AddAttrib(head, TavrilonClass::HeadAttrib);
+  ParamBlock2* space = AddRotationSpace(head, parts.state.torso, 1);
+  ParamBlock2* attrib = space ? AddAttrib(head, TavrilonClass::HeadAttrib) : nullptr;
   if (!attrib) return;
-  ConnectFloat(*space->GetParamBlock(), RotationSpace::kWeight, *attrib, head_attrib::kRotationSpace, {.twoWay = true});
+  ConnectFloat(*space, RotationSpace::kWeight, *attrib, head_attrib::kRotationSpace, {.twoWay = true});
   parts.panel.Group(L"Head", nullptr, head, attrib, kHeadSpinners);
 }
 
@@ -178,11 +170,11 @@ void BuildHead(Parts& parts) {
   if (neck.controls.empty() && state.spineTop) parts.make.BindParent(skull.control, state.spineTop);
   if (curve) skull.bone = MakeNeckBones(parts, neck, skull.control, headPoint, parent.bone);
   BoneSpec bone{{L"head"}, parts.TM({L"head"}), skull.bone, length};
-  bone.width = 0.35f * length;
+  bone.width = std::min(0.35f * length, 0.045f * parts.height);
   bone.follows = skull.control;
   skull.bone = parts.make.MakeBone(bone);
   parts.Leave(headPoint, skull);
-  AddRotationSpace(parts, skull.control);
+  FollowTorsoByWeight(parts, skull.control);
 
   MakeHeadEnd(parts, skull, length);
   if (block.GetBool(kFangs)) MakeFangs(parts, skull);

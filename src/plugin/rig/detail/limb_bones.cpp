@@ -17,7 +17,7 @@ using namespace corvanta;
 
 namespace {
 
-/// Of a segment's length: the width of its twist bones.
+/// Width of a twist bone in lengths of its whole segment.
 constexpr float kTwistBoneWidth = 0.08f;
 
 /// A segment of the limb while its twist bones are built.
@@ -88,7 +88,9 @@ std::vector<INode*> BuildTwist(Limb& limb, const Segment& segment) {
   INode* in = BuildTangent(limb, segment, L"_tangent_end", 2.0f / 3, last ? nullptr : anchor);
   CurveRowSpec spec;
   spec.row = limb.Name(segment.word);
-  spec.points = {{control, curve_ik_chain::kBezier, nullptr, out}, {anchor, curve_ik_chain::kBezier, in, nullptr}};
+  // A straight segment costs no curve, and stays straight however it is stretched.
+  const int type = limb.Option(rig_param::kBendyControls) ? curve_ik_chain::kBezier : curve_ik_chain::kCorner;
+  spec.points = {{control, type, nullptr, out}, {anchor, type, in, nullptr}};
   spec.bones = TwistBones(limb, segment);
   spec.parent = {limb.parts.state.main, limb.lastBone};
   // Measured by the segment: many short bones would look like a thread.

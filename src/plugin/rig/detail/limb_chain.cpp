@@ -107,8 +107,10 @@ void BuildLimbControls(Limb& limb) {
   }
 }
 
-// An anchor stands unrolled at its joint: half of the way at a joint inside the limb, with the last joint at its end.
-// It is turned like the segment before it, so that the roll between them runs from minus to plus half a turn.
+// An anchor is the end of a segment's twist: at a joint inside the limb it turns half of the way with the joint, at the
+// limb's end all of it. It is turned like the segment before it at rest, so that the roll between them runs from minus
+// to plus half a turn. It hangs on the joint that it stands at, since a stretched limb takes its joints away from where
+// they are at rest.
 void BuildLimbAnchors(Limb& limb) {
   limb.anchors.assign(limb.controls.size(), nullptr);
   for (size_t i = 1; i < limb.controls.size(); ++i) {
@@ -117,8 +119,8 @@ void BuildLimbAnchors(Limb& limb) {
     const bool last = i + 1 == limb.row.joints.size();
     Matrix3 tm = limb.controls[last ? i - 1 : i]->GetNodeTM(0);
     tm.SetTrans(limb.Place(i));
-    INode* anchor = limb.parts.make.MakeHelper(limb.Name(joint.anchor), tm, limb.controls[i - 1], 0);
-    if (anchor) AddRotationSpace(anchor, limb.controls[i], last ? 1.0f : 0.5f);
+    INode* anchor = limb.parts.make.MakeHelper(limb.Name(joint.anchor), tm, limb.controls[i], 0);
+    if (anchor && !last) AddRotationSpace(anchor, limb.controls[i - 1], 0.5f);
     limb.anchors[i] = anchor;
   }
 }

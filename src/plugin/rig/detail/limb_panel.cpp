@@ -20,13 +20,15 @@ WStr Title(const Limb& limb, const wchar_t* what) {
 
 void RecordDigits(const Limb& limb) {
   if (!*limb.row.digit) return;
+  // Front and hind feet of one pair number have blocks of their own, the front ones below.
+  const int block = limb.row.foot && limb.row.pairs == rig_param::kArmPairs ? limb.pair + 100 : limb.pair;
   const int digits = limb.Count(limb.row.digits), joints = limb.Count(limb.row.digitBones);
   for (int i = 0; i < digits; ++i)
     for (int j = 0; j < joints; ++j) {
       const PartName name{limb.WordOfPair(limb.row.digit), limb.side, i, j};
       const auto made = limb.parts.state.anchors.find(name.Base());
       if (made == limb.parts.state.anchors.end()) continue;
-      limb.parts.panel.DigitPicker(made->second.control, limb.side, limb.pair, limb.row.foot, i, j);
+      limb.parts.panel.DigitPicker(made->second.control, limb.side, block, limb.row.foot, i, j);
     }
 }
 

@@ -57,27 +57,27 @@ bool IsFree(const PanelRect& rect, const std::vector<PanelRect>& taken) {
   return std::none_of(taken.begin(), taken.end(), [&](const PanelRect& t) { return Overlaps(rect, t); });
 }
 
-bool Fits(const PanelRect& rect, const std::vector<PanelRect>& taken, bool paired) {
+bool Fits(const PanelRect& rect, const std::vector<PanelRect>& taken, int side) {
   if (!IsFree(rect, taken)) return false;
-  if (!paired) return true;
-  const bool crosses = rect.x < kPanelAxis + 1 && rect.x + rect.width > kPanelAxis - 1;
-  return !crosses && IsFree(MirrorRect(rect), taken);
+  if (side == kSideCenter) return true;
+  const float toAxis = side == kSideLeft ? rect.x - kPanelAxis : kPanelAxis - rect.x - rect.width;
+  return toAxis >= kPanelGap / 2 && IsFree(MirrorRect(rect), taken);
 }
 
 }  // namespace
 
 // Rings of growing radius around the wish, sixteen places on each: the first that is free.
-PanelRect FreePlace(const PanelRect& wish, const std::vector<PanelRect>& taken, bool paired) {
+PanelRect FreePlace(const PanelRect& wish, const std::vector<PanelRect>& taken, int side) {
   constexpr int kDirections = 16;
   constexpr float kStep = 2, kFarthest = 2000;
-  if (Fits(wish, taken, paired)) return wish;
+  if (Fits(wish, taken, side)) return wish;
   for (float radius = kStep; radius < kFarthest; radius += kStep)
     for (int i = 0; i < kDirections; ++i) {
       const float angle = 2 * corvanta::kPi * static_cast<float>(i) / kDirections;
       PanelRect rect = wish;
       rect.x += radius * std::cos(angle);
       rect.y += radius * std::sin(angle);
-      if (Fits(rect, taken, paired)) return rect;
+      if (Fits(rect, taken, side)) return rect;
     }
   return wish;
 }

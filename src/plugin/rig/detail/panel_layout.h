@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "plugin/rig/panel_record.h"
+#include "plugin/rig/rig_point.h"
 
 namespace tavrilon::detail {
 
@@ -24,7 +25,8 @@ bool Overlaps(const PanelRect& a, const PanelRect& b);
 /// the order of their centres; of two on one height the earlier goes above. None reaches below `floor`.
 void SpreadColumn(std::vector<PanelRect>& column, float floor);
 
-/// The free place nearest to `wish`. With `paired` the mirrored rectangle is free too and both keep to their sides.
-PanelRect FreePlace(const PanelRect& wish, const std::vector<PanelRect>& taken, bool paired);
+/// The free place nearest to `wish`. On the right and left (`RigSide`) the rectangle keeps to its side of the axis, and
+/// its mirrored place is free too.
+PanelRect FreePlace(const PanelRect& wish, const std::vector<PanelRect>& taken, int side);
 
 }  // namespace tavrilon::detail

@@ -42,6 +42,12 @@ int SideOf(const WStr& tag) {
   return prefix == L"r_" ? kSideRight : prefix == L"l_" ? kSideLeft : kSideCenter;
 }
 
+/// Digits of a front limb, whether hand, paw or hoof.
+bool IsFront(const WStr& tag) {
+  const WStr word = WithoutSide(tag);
+  return word.find(L"finger") == 0 || word.find(L"metacarpal") == 0 || word.find(L"front_") == 0;
+}
+
 void AddPicker(PanelRecord& record, INode* control, const PanelRect& rect) {
   record.pickers.push_back({TagOf(control), {control}, rect, control->GetWireColor(), 0});
 }
@@ -74,6 +80,9 @@ void PanelRecorder::BodyPicker(INode* control, PickerKind kind) {
   if (fourLegged_) rect.x += (side == kSideRight ? -120 : 120) * place.y;
   rect.x += cursorX_ - size.width / 2;
   rect.y -= size.height / 2;
+  // What stands far to the front or the back would cross over in a side view.
+  if (side == kSideRight) rect.x = std::min(rect.x, kPanelAxis - kPanelGap - rect.width);
+  if (side == kSideLeft) rect.x = std::max(rect.x, kPanelAxis + kPanelGap);
   body_.push_back({control, kind, rect});
 }
 
@@ -120,15 +129,16 @@ void PanelRecorder::Group(const WStr& title, INode* chain, INode* node, ParamBlo
 
 // Hands, and feet, stand one block below the other, a pair on the same height.
 void PanelRecorder::AddDigits(PanelRecord& record, std::vector<PanelRect>& taken) const {
-  std::map<std::pair<bool, int>, int> rows;  // by foot and pair
+  std::map<std::pair<int, bool>, int> rows[2];  // of hands and feet, by pair, front feet before hind feet
+  const auto block = [](const DigitRequest& d) { return std::pair{d.pair, !IsFront(TagOf(d.control))}; };
   for (const DigitRequest& d : digits_) {
-    int& count = rows[{d.foot, d.pair}];
+    int& count = rows[d.foot][block(d)];
     count = std::max(count, d.joint + 1);
   }
   for (const DigitRequest& d : digits_) {
     float top = d.foot ? kFootY : kHandY;
-    for (const auto& [block, count] : rows)
-      if (block.first == d.foot && block.second < d.pair) top += static_cast<float>(count) * kDigitStep + 8;
+    for (const auto& [above, count] : rows[d.foot])
+      if (above < block(d)) top += static_cast<float>(count) * kDigitStep + 8;
     const float left = d.foot ? kFootX : kHandX;
     PanelRect rect{left + kDigitStep * static_cast<float>(d.digit), top + kDigitStep * static_cast<float>(d.joint),
                    kDigitSize, kDigitSize};
@@ -158,8 +168,7 @@ void PanelRecorder::AddBody(PanelRecord& record, std::vector<PanelRect>& taken) 
     const WStr tag = TagOf(request.control);
     const int side = SideOf(tag);
     const auto right = side == kSideLeft ? rights.find(L"r_" + tag.substr(2)) : rights.end();
-    const PanelRect rect =
-        right != rights.end() ? MirrorRect(right->second) : FreePlace(request.rect, taken, side != kSideCenter);
+    const PanelRect rect = right != rights.end() ? MirrorRect(right->second) : FreePlace(request.rect, taken, side);
     if (side == kSideRight) rights[tag] = rect;
     AddPicker(record, request.control, rect);
     taken.push_back(rect);

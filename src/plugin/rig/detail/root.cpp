@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The root bone carries a character's motion over the ground, for engines that want it apart from the body's.
-#include "host/core/hold.h"
 #include "plugin/attributes/attributes.h"
 #include "plugin/connections/connect.h"
 #include "plugin/constraints/root_constraint.h"
 #include "plugin/rig/detail/trunk.h"
+#include "plugin/rig/detail/wiring.h"
 
 namespace tavrilon::detail {
 
@@ -13,13 +13,9 @@ using namespace corvanta;
 void FollowTorso(INode* root, INode* main, INode* torso) {
   if (!root || !main || !torso) return;
   auto* constraint = new RootConstraint;
-  {
-    const HoldResume recorded;
-    Ref<Control> inner = root->GetTMController();
-    root->SetTMController(constraint);
-    constraint->SetInner(inner.Get());
-    constraint->SetTarget(torso);
-  }
+  constraint->SetInner(root->GetTMController());
+  AssignTransform(root, constraint);
+  constraint->SetTarget(torso);
   ParamBlock2& block = *constraint->GetParamBlock();
   block.SetValue(RootConstraint::kVerticalAxis, 0, 2);
   block.SetValue(RootConstraint::kInitialTargetTM, 0, torso->GetNodeTM(0) * Inverse(main->GetNodeTM(0)));

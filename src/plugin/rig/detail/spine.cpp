@@ -19,7 +19,8 @@ int Count(const Parts& parts, ID id) { return std::clamp(parts.rig.Block().GetIn
 float TrunkSize(const Parts& parts) {
   const int last = Count(parts, kSpineControls) - 1;
   const float length = parts.Distance(parts.Point({L"pelvis"}), parts.Point({L"spine", kSideCenter, last}));
-  return length > 0 ? std::min(length, 0.32f * parts.height) : 0.2f * parts.height;
+  const float size = length > 0 ? std::min(length, 0.32f * parts.height) : 0.2f * parts.height;
+  return parts.rig.Type() == RigType::Insect ? 0.6f * size : size;  // its body is flat
 }
 
 namespace {

@@ -41,7 +41,10 @@ FPInterface* RigSystem::GetInterface(const Interface_ID& id) {
 
 // The nodes that the rig owns move all the time; who carries the rig need not hear of it.
 RefResult RigSystem::NotifyRefChanged(const Interval&, ReferenceTarget* target, PartID&, RefMessage, bool) {
-  return target == block_ && block_ && block_->LastChanged().first == rig_param::kNodes ? REF_STOP : REF_SUCCEED;
+  if (target != block_ || !block_) return REF_SUCCEED;
+  ReferenceTarget* sender = block_->LastSender();
+  const bool ofNodes = sender ? sender->AsNode() != nullptr : block_->LastChanged().first == rig_param::kNodes;
+  return ofNodes ? REF_STOP : REF_SUCCEED;
 }
 
 // --- template

@@ -144,7 +144,8 @@ ReferenceTarget::~ReferenceTarget() {
 
 bool ReferenceTarget::IsLive(int depth) const {
   if (TestFlag(A_DORMANT)) return false;
-  if (!HasDependents() || depth == 0) return true;
+  // A node is the scene's, whoever follows it.
+  if (!HasDependents() || !DiesWithLastDependent() || depth == 0) return true;
   return FindDependent([depth](ReferenceMaker* maker) {
            const ReferenceTarget* up = maker->AsTarget();
            return !up || up->IsLive(depth - 1);
@@ -157,12 +158,10 @@ bool ReferenceTarget::IsLive() const {
 }
 
 void ReferenceTarget::AddDependent(ReferenceMaker* maker) {
+  const bool wasLive = IsLive();
   ++linkStamp_;
   everOwned_ = true;
-  if (TestFlag(A_DORMANT)) {
-    ClearFlag(A_DORMANT);
-    AfterDelivery(this, [](ReferenceTarget* back) { back->TellWatchers(); });
-  }
+  ClearFlag(A_DORMANT);
   const auto found =
       std::find_if(dependents_.begin(), dependents_.end(), [maker](const Dependent& d) { return d.maker == maker; });
   if (found != dependents_.end()) {
@@ -171,6 +170,7 @@ void ReferenceTarget::AddDependent(ReferenceMaker* maker) {
     dependents_.push_back({maker, 1, 0});
     LinkAdded(maker);
   }
+  if (!wasLive) AfterDelivery(this, [](ReferenceTarget* back) { back->TellWatchers(); });
 }
 
 void ReferenceTarget::DropDependent(ReferenceMaker* maker, bool deleteIfLast) {
@@ -184,11 +184,12 @@ void ReferenceTarget::DropDependent(ReferenceMaker* maker, bool deleteIfLast) {
   else
     dependents_.erase(found);
   LinkDropped(maker);
-  if (FindDependent([](ReferenceMaker*) { return true; })) return;
-  if (keepAlive_ > 0) {
+  const bool isLast = !FindDependent([](ReferenceMaker*) { return true; });
+  if (!isLast || keepAlive_ > 0) {
     if (!DiesWithLastDependent()) return;
-    SetFlag(A_DORMANT);
-    AfterDelivery(this, [](ReferenceTarget* gone) { gone->TellWatchers(); });
+    if (isLast) SetFlag(A_DORMANT);
+    // Those that are left may live in undo only.
+    if (!IsLive()) AfterDelivery(this, [](ReferenceTarget* gone) { gone->TellWatchers(); });
   } else if (deleteIfLast) {
     MaybeDelete();
   }
@@ -201,7 +202,12 @@ void ReferenceTarget::MaybeDelete() {
   static bool running = false;
   if (keepAlive_ > 0 || delivering_ > 0 || !dependents_.empty()) return;
   ++keepAlive_;  // nothing that happens while the references go may come back here
-  SetFlag(A_DORMANT);
+  const bool wasLive = !TestFlag(A_DORMANT);
+  SetDormant(true);
+  if (wasLive && !monitors_.empty() && RefMsgsEnabled()) {
+    const DeliveryScope scope;
+    Deliver({FOREVER, PART_ALL, REFMSG_CHANGE, kAnySuper, true, this, nullptr, ++lastNotice});
+  }
   dying.push_back(this);
   if (running) return;
   running = true;
@@ -347,6 +353,7 @@ void RefTargMonitor::SetTarget(ReferenceTarget* target) {
   if (target_ == target) return;
   if (target_) std::erase(target_->monitors_, this);
   target_ = target;
+  seenStamp_ = 0;
   if (target_) target_->monitors_.push_back(this);
 }
 

@@ -119,7 +119,8 @@ class ReferenceTarget : public ReferenceMaker {
   static uint32_t NewNoticeNumber();
   /// Changes whenever any object of the process binds or drops a reference, leaves the scene or comes back.
   static uint64_t LinkStamp() { return linkStamp_; }
-  /// Some way up through its dependents ends at an object that is not dormant: it does not live in undo only.
+  /// Some way up through its dependents ends at an object that is not dormant, or at a node of the scene: it does not
+  /// live in undo only.
   bool IsLive() const;
   /// The message that is being delivered, null outside of a delivery.
   static const RefNotice* CurrentNotice();

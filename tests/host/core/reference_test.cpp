@@ -136,5 +136,68 @@ TEST_F(ReferenceTest, MonitorsSeeWithoutHolding) {
   EXPECT_EQ(monitor.RawTarget(), nullptr);
 }
 
+struct Counter final : MonitorClient {
+  void MonitoredNotice(RefTargMonitor&, const RefNotice&) override { ++heard; }
+  int heard = 0;
+};
+
+// A part with two owners, one of which lives in undo: the part leaves the scene, and comes back, with the other.
+TEST_F(ReferenceTest, WatchersHearOfEveryWayOutOfTheScene) {
+  const Ref<Listener> root(new Listener), owner(new Listener), deleted(new Listener), part(new Listener);
+  root->ReplaceReference(0, deleted.Get());
+  deleted->ReplaceReference(0, part.Get());
+  owner->ReplaceReference(0, part.Get());
+  Counter counter;
+  RefTargMonitor monitor(&counter);
+  monitor.SetTarget(part.Get());
+  root->ReplaceReference(0, nullptr);
+  EXPECT_EQ(monitor.Target(), part.Get());
+  const int before = counter.heard;
+  owner->ReplaceReference(0, nullptr);
+  EXPECT_EQ(monitor.Target(), nullptr);
+  EXPECT_GT(counter.heard, before);
+  const int gone = counter.heard;
+  owner->ReplaceReference(0, part.Get());
+  EXPECT_EQ(monitor.Target(), part.Get());
+  EXPECT_GT(counter.heard, gone);
+}
+
+TEST_F(ReferenceTest, WatchersHearOfDeletionWithoutUndo) {
+  const Ref<Listener> owner(new Listener);
+  auto* target = new Listener;
+  owner->ReplaceReference(0, target);
+  Counter counter;
+  RefTargMonitor monitor(&counter);
+  monitor.SetTarget(target);
+  owner->ReplaceReference(0, nullptr);
+  EXPECT_EQ(counter.heard, 1);
+  EXPECT_EQ(monitor.RawTarget(), nullptr);
+}
+
+// The scene owns its nodes: one that only a deleted node follows is there all the same.
+TEST_F(ReferenceTest, NodesAreThereWhoeverFollowsThem) {
+  INode* node = MakeNode(L"followed");
+  RefTargMonitor monitor;
+  monitor.SetTarget(node);
+  const Ref<Listener> root(new Listener), follower(new Listener);
+  root->ReplaceReference(0, follower.Get());
+  follower->ReplaceReference(0, node);
+  root->ReplaceReference(0, nullptr);
+  EXPECT_EQ(monitor.Target(), node);
+}
+
+// Nothing is bound or dropped between the two reads.
+TEST_F(ReferenceTest, ANewTargetIsLookedAtAnew) {
+  const Ref<Listener> root(new Listener), gone(new Listener), part(new Listener), there(new Listener);
+  root->ReplaceReference(0, gone.Get());
+  gone->ReplaceReference(0, part.Get());
+  root->ReplaceReference(0, there.Get());
+  RefTargMonitor monitor;
+  monitor.SetTarget(there.Get());
+  EXPECT_EQ(monitor.Target(), there.Get());
+  monitor.SetTarget(part.Get());
+  EXPECT_EQ(monitor.Target(), nullptr);
+}
+
 }  // namespace
 }  // namespace corvanta

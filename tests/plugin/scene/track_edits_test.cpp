@@ -287,6 +287,7 @@ std::string Wire(Dice& dice) {
   ParamBlock2* block = dice.Pick(parts.blocks);
   const ParamRow& row = block->GetDesc().rows[static_cast<size_t>(dice.Int(block->NumParams()))];
   const int tab = block->Count(row.id) > 0 ? dice.Int(block->Count(row.id)) : 0;
+  if (row.Is(kTransient)) return {};  // files do not keep it, and what follows it would differ after loading
   if (DependsOn(block, made) || !made->SetParamTarget(*block, row.id, tab)) return {};
   made->GetParamBlock()->SetValue(float_connection::kTwoWay, 0, dice.OneIn(2));
   return "wire " + Tell(made) + " to " + Tell(block) + "." + ToUtf8(row.name);

@@ -36,7 +36,7 @@ void PrintReport(const BuildReport& report) {
                 report.templateFile.c_str(), point.c_str());
   }
   if (report.restControls >= 0) {
-    std::printf("rest pose: OK, %d controls read zero, zero and one\n", report.restControls);
+    std::printf("rest pose: OK, %d transforms read zero, zero and one\n", report.restControls);
   }
   for (const std::string& file : report.files) std::printf("wrote %s\n", file.c_str());
 }

@@ -386,6 +386,7 @@ void ParamBlock2::Changed(int index, int tab, TimeValue t, bool tellAccessor) {
   if (tellAccessor && row.accessor) row.accessor->Set(*this, owner_, row.id, tab, t);
   if (silent_ > 0) return;
   lastChanged_ = {row.id, tab};
+  lastSender_ = nullptr;
   NotifyDependents();
 }
 
@@ -529,16 +530,28 @@ int ParamBlock2::FindReference(const ReferenceTarget* target, int from) const {
   return found;
 }
 
-RefResult ParamBlock2::NotifyRefChanged(const Interval&, ReferenceTarget* target, PartID&, RefMessage message, bool) {
-  ForEachCell([&](int i, int k, Cell& cell) {
-    const ParamRow& row = Row(i);
-    const bool isTarget = HoldsTarget(row) && cell.target == target;
+// The first entry that holds `target`, as a reference or as its controller.
+std::pair<ParamID, int> ParamBlock2::EntryOf(const ReferenceTarget* target) const {
+  std::pair<ParamID, int> entry{-1, 0};
+  ForEachCell([&](int i, int k, const Cell& cell) {
+    const bool isTarget = cell.isTarget && !cell.isWeak && cell.target == target;
     if (!isTarget && cell.control != target) return false;
-    lastChanged_ = {row.id, k};
-    if (isTarget && message == REFMSG_TARGET_DELETED && row.accessor)
-      row.accessor->TabChanged(TabChange::EntryLost, *this, owner_, row.id, k, 1);
+    entry = {Row(i).id, k};
     return true;
   });
+  return entry;
+}
+
+std::pair<ParamID, int> ParamBlock2::LastChanged() const { return lastSender_ ? EntryOf(lastSender_) : lastChanged_; }
+
+RefResult ParamBlock2::NotifyRefChanged(const Interval&, ReferenceTarget* target, PartID&, RefMessage message, bool) {
+  lastSender_ = target;
+  if (message == REFMSG_TARGET_DELETED) {
+    const auto [id, tab] = EntryOf(target);
+    const ParamRow* row = GetParamDef(id);
+    if (row && row->accessor && IsTargetType(row->type))
+      row->accessor->TabChanged(TabChange::EntryLost, *this, owner_, id, tab, 1);
+  }
   return silent_ > 0 ? REF_STOP : REF_SUCCEED;
 }
 

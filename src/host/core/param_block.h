@@ -144,7 +144,10 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   /// Off: writes happen silently. Nests by counter.
   void EnableNotifications(bool on) { silent_ += on ? -1 : 1; }
   /// The parameter and tab index of the change that is being told; valid inside NotifyRefChanged.
-  std::pair<ParamID, int> LastChanged() const { return lastChanged_; }
+  std::pair<ParamID, int> LastChanged() const;
+  /// The target or controller in an entry whose message is being passed on; null for a write to the block itself. Valid
+  /// inside NotifyRefChanged.
+  ReferenceTarget* LastSender() const { return lastSender_; }
 
   // Animatable, ReferenceMaker, ReferenceTarget.
   int NumSubs() const override;
@@ -235,6 +238,7 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   void ResizeTab(int index, int count);
   void RetagTab(int index);
   RefPlace PlaceOf(int which) const;
+  std::pair<ParamID, int> EntryOf(const ReferenceTarget* target) const;
   template <class F>
   bool ForEachCell(F&& f) const;
   void MonitoredNotice(RefTargMonitor& monitor, const RefNotice& notice) override;
@@ -246,6 +250,9 @@ class ParamBlock2 final : public ReferenceTarget, private MonitorClient {
   std::vector<std::unique_ptr<TabCells>> tabs_;
   ReferenceTarget* owner_ = nullptr;
   std::pair<ParamID, int> lastChanged_{-1, 0};
+  /// Who sent the message under way, when it came from an entry: only compared. Which entry that is, is looked up when
+  /// somebody asks, since a rig's list of nodes hears every one of them.
+  ReferenceTarget* lastSender_ = nullptr;
   int silent_ = 0;
 };
 

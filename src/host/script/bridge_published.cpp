@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Published interfaces: functions with positional and keyword arguments, properties.
 #include "host/core/tab.h"
+#include "host/scene/core_interface.h"
 #include "host/script/bridge_object.h"
 #include "host/script/text.h"
 
@@ -27,6 +28,23 @@ void Check(FPStatus status, const WStr& name, const FPValue& result) {
   Fail(reason.empty() ? name + L" failed" : name + L": " + reason);
 }
 
+/// What functions of objects do, they do at the scene's time: within `at time` that time is moved for the call.
+class CallTime {
+ public:
+  CallTime() : before_(GetCOREInterface()->GetTime()), during_(ScriptTime()) {
+    if (during_ != before_) GetCOREInterface()->SetTime(during_, false);
+  }
+  // A function that moved the time itself keeps it.
+  ~CallTime() {
+    if (during_ != before_ && GetCOREInterface()->GetTime() == during_) GetCOREInterface()->SetTime(before_, false);
+  }
+  CallTime(const CallTime&) = delete;
+  CallTime& operator=(const CallTime&) = delete;
+
+ private:
+  const TimeValue before_, during_;
+};
+
 /// A function of an interface that is bound to its object.
 class PublishedFunction final : public Callable {
  public:
@@ -40,6 +58,7 @@ class PublishedFunction final : public Callable {
     std::vector<FPValue> values;
     for (size_t i = 0; i < desc_.params.size(); ++i) values.push_back(Argument(args, i));
     FPValue result;
+    const CallTime time;
     Check(Guarded(name_, [&] { return interface_.Invoke(desc_.id, ScriptTime(), result, values); }), name_, result);
     if (desc_.result == FPType::Void) return Value::Ok();
     return FromFP(result, desc_.result, interface_.GetDesc().FindEnum(desc_.enumId));

@@ -102,6 +102,8 @@ class GlobalNode final : public Assignable {
     if (v.kind() == Kind::Unset) return LoadUnset(frame);
     return v;
   }
+  /// The class of this name, which a variable may hide; undefined without one.
+  Value HiddenClass(Frame& frame) const;
   void Store(Frame& frame, const Place&, const Value& value) const override {
     Value& v = frame.vm.Global(index);
     if (v.kind() == Kind::Cell)
@@ -222,6 +224,8 @@ class CallNode final : public Node {
   bool minusArgument = false;  // `x -1`, which may have been meant as a subtraction
 
  private:
+  /// What a variable hides that cannot be called itself.
+  Value HiddenClass(const Value& value, Frame& frame) const;
   [[noreturn]] void NotCallable(const Value& value) const;
 };
 

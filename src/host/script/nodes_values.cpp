@@ -112,6 +112,14 @@ Value GlobalNode::LoadUnset(Frame& frame) const {
   throw ScriptError(L"unknown name `" + name + L"`", pos);
 }
 
+Value GlobalNode::HiddenClass(Frame& frame) const {
+  const WStr& name = frame.vm.GlobalName(index);
+  Value builtin;
+  if (FindBuiltin(name, builtin)) return builtin.Is(Kind::Class) ? builtin : Value();
+  const bool hidden = frame.vm.host().FindGlobal(name) == GlobalUse::Shadowed;
+  return hidden ? frame.vm.host().GetGlobal(name) : Value();
+}
+
 Value HostGlobalNode::Load(Frame& frame, const Place&) const {
   return At(pos, [&] { return frame.vm.host().GetGlobal(name); });
 }
@@ -272,9 +280,17 @@ void CallNode::NotCallable(const Value& value) const {
   throw ScriptError(message, pos);
 }
 
+// A variable may have the name of a class, as in `rig = Rig()`: where it is called, the class is meant.
+Value CallNode::HiddenClass(const Value& value, Frame& frame) const {
+  const auto* variable = dynamic_cast<const GlobalNode*>(callee.get());
+  Value hidden = variable ? variable->HiddenClass(frame) : Value();
+  if (!hidden.Is(Kind::Class)) NotCallable(value);
+  return hidden;
+}
+
 Value CallNode::Eval(Frame& frame) const {
-  const Value function = callee->Eval(frame);
-  if (!function.Is(Kind::Callable) && !function.Is(Kind::Class)) NotCallable(function);
+  Value function = callee->Eval(frame);
+  if (!function.Is(Kind::Callable) && !function.Is(Kind::Class)) function = HiddenClass(function, frame);
   struct Arguments {
     Arguments(ValueStack& s, size_t n) : stack(s), count(n), values(s.Push(n)) {}
     ~Arguments() { stack.Pop(values, count); }

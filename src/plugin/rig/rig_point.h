@@ -35,6 +35,12 @@ struct RigPoint {
   int flags = 0;
   /// Units of the figure's height, Z up, facing -Y, the figure's left at +X.
   Point3 position;
+  /// Where the template put the point: one that still stands there goes with the template when counts change. Worked
+  /// out anew for points from files, and no part of what the user made: points with other origins are equal.
+  struct Origin {
+    Point3 at;
+    bool operator==(const Origin&) const { return true; }
+  } origin;
   /// For an in-between point: its place on the way from the parent (0) to the next point (1).
   float fraction = 0;
   int selected = 0;

@@ -2,6 +2,8 @@
 // The template of a rig: points that follow the parameters, and their undo and clones.
 #include "plugin/rig/rig_system.h"
 
+#include <unordered_map>
+
 #include <cmath>
 #include <cstdlib>
 
@@ -41,7 +43,10 @@ FPInterface* RigSystem::GetInterface(const Interface_ID& id) {
 
 // The nodes that the rig owns move all the time; who carries the rig need not hear of it.
 RefResult RigSystem::NotifyRefChanged(const Interval&, ReferenceTarget* target, PartID&, RefMessage, bool) {
-  return target == block_ && block_ && block_->LastChanged().first == rig_param::kNodes ? REF_STOP : REF_SUCCEED;
+  if (target != block_ || !block_) return REF_SUCCEED;
+  ReferenceTarget* sender = block_->LastSender();
+  const bool ofNodes = sender ? sender->AsNode() != nullptr : block_->LastChanged().first == rig_param::kNodes;
+  return ofNodes ? REF_STOP : REF_SUCCEED;
 }
 
 // --- template
@@ -69,6 +74,16 @@ void RigSystem::Rebuild(bool discard) {
   const RigPoints saved = discard ? RigPoints() : std::move(state_.points);
   state_.points = BuildTemplate(Type(), ReadTemplateParams(*block_), saved, state_.extras);
   placesValid_ = false;
+}
+
+// Files do not tell where the template had put a point.
+void RigSystem::PostLoad() {
+  if (!block_) return;
+  const RigPoints fresh = BuildTemplate(Type(), ReadTemplateParams(*block_), {}, state_.extras);
+  std::unordered_map<WStr, const RigPoint*> byName;
+  for (const RigPoint& point : fresh) byName.try_emplace(point.name, &point);
+  for (RigPoint& point : state_.points)
+    if (const auto found = byName.find(point.name); found != byName.end()) point.origin = found->second->origin;
 }
 
 void RigSystem::ParameterChanged(rig_param::ID id) {

@@ -139,6 +139,7 @@ class RigSystem final : public corvanta::HelperObject, public IRigSystem, public
   void CopyStateFrom(corvanta::ReferenceTarget& source, corvanta::RemapDir& remap) override;
   corvanta::IOResult Save(corvanta::ISave& save) override;
   corvanta::IOResult Load(corvanta::ILoad& load) override;
+  void PostLoad() override;
 
   // Viewport.
   void Display(corvanta::TimeValue t, corvanta::INode* node, corvanta::GraphicsWindow& view) override;

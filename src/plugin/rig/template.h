@@ -12,8 +12,9 @@ namespace tavrilon {
 inline constexpr size_t kMaxTemplatePoints = 65536;
 
 /// The points of a rig of `type`, parents before their children. A point that has a position of its own and whose
-/// name stands in `saved` takes over that point's position and selection; a new one is selected when it belongs to
-/// the component `params[kSelectedComponent]`. Types that are names only give just the extras.
+/// name stands in `saved` takes over that point's selection and, when it was moved from where its template had put it,
+/// its position; a new one is selected when it belongs to the component `params[kSelectedComponent]`. Types that are
+/// names only give just the extras.
 RigPoints BuildTemplate(RigType type, const TemplateParams& params, const RigPoints& saved,
                         const std::vector<RigExtra>& extras);
 

@@ -34,7 +34,8 @@ class TestInterface final : public FPInterface {
          {8, L"Throw", FPType::Void},
          {9, L"Missing", FPType::Void},
          {10, L"Bits", FPType::BitArray, {{L"bits", FPType::BitArray}}},
-         {11, L"Echo", FPType::Any, {{L"value", FPType::Any}}}},
+         {11, L"Echo", FPType::Any, {{L"value", FPType::Any}}},
+         {12, L"Now", FPType::Int}},
         {{20, 21, L"level", FPType::Percent}, {22, -1, L"fixed", FPType::Bool}},
         {{0, {{L"Corner", 0}, {L"Bezier", 1}, {L"Smooth", 2}}}});
     return desc;
@@ -71,6 +72,9 @@ class TestInterface final : public FPInterface {
       case 10:
       case 11:
         result = args[0];
+        break;
+      case 12:
+        result = GetCOREInterface()->GetTime();
         break;
       case 20:
         result = level;

@@ -110,6 +110,28 @@ TEST_F(ReverseFoot, ToesAreFlatInIkAndTheFootsInFk) {
   EXPECT_LT(Length((TM(kToes) * Inverse(TM(kFoot))).GetTrans() - local.GetTrans()), 1e-3f);
 }
 
+// Without the chain there is no blend to follow: the toes belong to the foot, at once and after a reload.
+TEST_F(ReverseFoot, ToesAreTheFootsWithoutAChain) {
+  for (const bool recorded : {false, true}) {
+    Set(foot_attrib::kFootRoll, 30);
+    ASSERT_LT(Turned(TM(kToes), Rest(kToes)), 1e-4f);
+    if (recorded) theHold.Begin();
+    Tab<INode*> chain;
+    chain.Append(Node(L"l_ikfk_leg_1"));
+    GetScene().DeleteNodes(chain);
+    if (recorded) theHold.Accept(L"Delete");
+    const Matrix3 local = Rest(kToes) * Inverse(Rest(kFoot));
+    EXPECT_LT(Turned(TM(kToes) * Inverse(TM(kFoot)), local), 1e-4f) << recorded;
+    const Matrix3 toes = TM(kToes);
+    std::vector<uint8_t> bytes;
+    ASSERT_EQ(SaveSceneToBytes(GetScene(), &bytes), L"");
+    ASSERT_EQ(LoadSceneFromBytes(bytes), L"");
+    EXPECT_LT(Turned(TM(kToes), toes), 1e-4f) << recorded;
+    ResetScene();
+    SetUp();
+  }
+}
+
 TEST_F(ReverseFoot, TheFootMovesWithItsControl) {
   Set(foot_attrib::kFootRoll, 30);
   const Matrix3 before = TM(kGoal);

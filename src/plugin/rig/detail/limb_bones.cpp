@@ -6,6 +6,7 @@
 #include "host/core/param_block.h"
 #include "plugin/attributes/attrib_params.h"
 #include "plugin/connections/connect.h"
+#include "plugin/constraints/target_constraint.h"
 #include "plugin/rig/detail/curve_row.h"
 #include "plugin/rig/detail/limb.h"
 #include "plugin/rig/detail/wiring.h"
@@ -146,8 +147,8 @@ void ConnectTwists(Limb& limb) {
   segment.weight = -100;
   anchor.weight = 100;
   for (ParamBlock2* block : limb.bendy) {
-    ConnectFloat(*block, 0, *limb.attrib, limb_attrib::kBendy, segment, 0);
-    ConnectFloat(*block, 0, *limb.attrib, limb_attrib::kBendy, anchor, 1);
+    ConnectFloat(*block, kWeight, *limb.attrib, limb_attrib::kBendy, segment, 0);
+    ConnectFloat(*block, kWeight, *limb.attrib, limb_attrib::kBendy, anchor, 1);
   }
 }
 

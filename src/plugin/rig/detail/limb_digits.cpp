@@ -5,6 +5,7 @@
 #include "host/core/param_block.h"
 #include "plugin/attributes/attrib_params.h"
 #include "plugin/connections/connect.h"
+#include "plugin/constraints/rotation_space.h"
 #include "plugin/rig/detail/limb.h"
 #include "plugin/rig/detail/wiring.h"
 
@@ -22,7 +23,7 @@ INode* ToeBase(const Limb& limb, const PartName& name, const Point3& place, INod
   tm.SetTrans(place);
   INode* base = limb.parts.make.MakeHelper(name, tm, parent, 0);
   ParamBlock2* space = base ? AddRotationSpace(base, limb.toe, 1) : nullptr;
-  if (space && limb.attrib) ConnectFloat(*space, 1, *limb.attrib, limb_attrib::kIkfkBlend);
+  if (space && limb.attrib) ConnectFloat(*space, RotationSpace::kWeight, *limb.attrib, limb_attrib::kIkfkBlend);
   return base ? base : parent;
 }
 

@@ -14,9 +14,10 @@ TemplateBuilder::TemplateBuilder(const TemplateParams& params, const RigPoints& 
 int TemplateBuilder::Add(RigPoint point) {
   if (points_.size() >= kMaxTemplatePoints) return -1;
   if (!point.IsInBetween()) {
+    point.origin.at = point.position;
     const auto kept = saved_.find(point.name);
     if (kept != saved_.end()) {
-      point.position = kept->second->position;
+      if (kept->second->position != kept->second->origin.at) point.position = kept->second->position;
       point.selected = kept->second->selected;
     } else {
       point.selected = point.component != 0 && point.component == params_[rig_param::kSelectedComponent];

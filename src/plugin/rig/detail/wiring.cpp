@@ -5,29 +5,15 @@
 #include "host/core/class_desc.h"
 #include "host/core/hold.h"
 #include "host/core/param_block.h"
+#include "plugin/constraints/rotation_space.h"
 #include "plugin/controllers/rig_control.h"
-#include "plugin/frame/find.h"
 
 namespace tavrilon::detail {
 
 using namespace corvanta;
 
-namespace {
-
-namespace rotation_space {
-enum Param : ParamID { kTarget = 0, kWeight = 1, kKeepInitialOffset = 2, kInitialOffset = 3 };
-constexpr int kWrapped = 1;
-}  // namespace rotation_space
-
-}  // namespace
-
-ReferenceTarget* NewObject(TavrilonClass row) {
-  const ClassDesc& desc = DescOf(row);
-  return desc.create ? desc.create(false) : nullptr;
-}
-
 Control* NewControl(TavrilonClass row) {
-  ReferenceTarget* object = NewObject(row);
+  ReferenceTarget* object = DescOf(row).Create();
   return object ? object->AsControl() : nullptr;
 }
 
@@ -51,18 +37,15 @@ Control* AssignRigControl(INode* node, int rotationOrder) {
   return control;
 }
 
-// What is kept is the turn from the target to the parent, without the wrapped controller's own: that one acts on top.
 ParamBlock2* AddRotationSpace(INode* node, INode* target, float weight) {
-  Control* space = NewControl(TavrilonClass::RotationSpace);
-  ParamBlock2* block = BlockOf(space);
-  if (!node || !target || !block) return nullptr;
-  const Matrix3 offset = Orthogonalize(node->GetParentTM(0) * Inverse(target->GetNodeTM(0)));
-  space->ReplaceReference(rotation_space::kWrapped, node->GetTMController());
+  if (!node || !target) return nullptr;
+  auto* space = new RotationSpace;
+  space->SetInner(node->GetTMController());
   AssignTransform(node, space);
-  block->SetValue(rotation_space::kWeight, 0, weight);
-  block->SetValue(rotation_space::kKeepInitialOffset, 0, true);
-  block->SetValue(rotation_space::kTarget, 0, static_cast<ReferenceTarget*>(target));
-  block->SetValue(rotation_space::kInitialOffset, 0, offset);
+  ParamBlock2* block = space->GetParamBlock();
+  block->SetValue(RotationSpace::kWeight, 0, weight);
+  block->SetValue(RotationSpace::kKeepInitialOffset, 0, true);
+  space->SetTarget(target);  // takes the present pose as the rest
   return block;
 }
 

@@ -2,16 +2,12 @@
 // Controllers that builders put on nodes. All of it happens at time 0 with the rig at rest.
 #pragma once
 
-#include <span>
-
 #include "plugin/frame/class_table.h"
 #include "plugin/rig/detail/node_factory.h"
 
 namespace tavrilon::detail {
 
-/// A new object of that class, null when it cannot be made.
-corvanta::ReferenceTarget* NewObject(TavrilonClass row);
-/// The same for a controller.
+/// A new controller of that class, null when it cannot be made.
 corvanta::Control* NewControl(TavrilonClass row);
 /// The parameter block at reference 0; null without one.
 corvanta::ParamBlock2* BlockOf(const corvanta::ReferenceTarget* object);

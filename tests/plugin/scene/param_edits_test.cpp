@@ -34,6 +34,9 @@ ReferenceTarget* PickTarget(Dice& dice, const Place& place) {
   INode* node = PickNode(dice);
   if (!node || dice.OneIn(5)) return nullptr;
   if (place.row->type == ParamType::RefTarg && dice.OneIn(2) && node->GetObjectRef()) return node->GetObjectRef();
+  // A joint follows its chain: only the validator of the row knows which nodes would then go in circles.
+  PBValidator* validator = place.row->validator;
+  if (validator && !validator->Validate(place.block->GetOwner(), place.row->id, node)) return nullptr;
   return MayFollowNode(place.block, node) ? node : nullptr;
 }
 

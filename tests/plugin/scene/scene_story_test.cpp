@@ -83,12 +83,16 @@ class Teller {
 
   std::optional<Trouble> Run(const Story& story) {
     ResetScene();
+    const int nodes = INode::ReentryCount(), guards = GuardCount();
     moments_ = {Look()};
     for (at_ = 0; at_ < story.size() && trouble_.empty(); ++at_) Play(story[at_]);
     if (trouble_.empty()) {
       Walk(theHold.NumUndo(), true);
       Walk(theHold.NumRedo(), false);
     }
+    // What goes in circles depends on how often it was asked: no edit may close one.
+    if (trouble_.empty() && (INode::ReentryCount() != nodes || GuardCount() != guards))
+      trouble_ = "something is evaluated in a circle";
     if (trouble_.empty()) return {};
     while (theHold.Depth() > 0) theHold.Cancel();
     return Trouble{at_, trouble_};

@@ -181,7 +181,7 @@ const CurveIKChain::Cache& CurveIKChain::Evaluate(TimeValue t) {
 Matrix3 CurveIKChain::GetJointTM(TimeValue t, int index, Interval& valid) {
   const Cache& cache = Evaluate(t);
   // Asked while it evaluates, it gives what it had, and that holds for no time but this.
-  valid &= evaluating_ ? Interval(t, t) : cache.valid;
+  valid &= evaluating_ ? Interval::Instant(t) : cache.valid;
   return index >= 0 && index < static_cast<int>(cache.jointTM.size()) ? cache.jointTM[static_cast<size_t>(index)]
                                                                       : Matrix3();
 }

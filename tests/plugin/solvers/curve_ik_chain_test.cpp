@@ -77,7 +77,7 @@ TEST_F(CurveChainTest, IntervalIsThatOfAllItReads) {
     AnimateOn();
     write();
     AnimateOff();
-    const bool narrow = interval() == Interval(0, 0);
+    const bool narrow = interval() == Interval{0, 0};
     theHold.Cancel();
     return narrow && interval() == FOREVER;
   };

@@ -154,7 +154,9 @@ TEST_F(IKFKTest, AutoMatchKeepsBothSidesTogether) {
     const LimbRig rig = Build({3, true, goalParent, 1, 4});
     rig.Block().SetValue(kAutoIkfkMatch, 0, true);
     INode* handle = goalParent ? rig.foot : rig.goal;
-    SetXFormPacket move = SetXFormPacket::Move(Place(10), handle->GetParentTM(0));
+    // Towards the root, so that the goal stays in reach.
+    const Point3 inward = (rig.joints[0]->GetNodeTM(0).GetTrans() - rig.goal->GetNodeTM(0).GetTrans()) * 0.3f;
+    SetXFormPacket move = SetXFormPacket::Move(inward, handle->GetParentTM(0));
     handle->GetTMController()->SetValue(0, move);
     const std::vector<Matrix3> ik = Poses(rig.joints);
     EXPECT_LE(rig.Gap(), 1e-4f);

@@ -12,7 +12,7 @@ constexpr size_t kLine = EvaluationFootprint::kLine;
 /// So many nodes are fetched ahead: with 2 the lines arrive in time and still lie in the first-level cache.
 constexpr size_t kAhead = 2;
 /// What evaluation reads lies at the start of an object. Controllers are mostly shorter than this.
-constexpr size_t kControlBytes = 6 * kLine;
+constexpr size_t kControlBytes = 5 * kLine;
 constexpr size_t kNodeBytes = 4 * kLine;
 /// Deeper than layers of lists and wrapped controllers go.
 constexpr int kMaxDepth = 8;
@@ -21,7 +21,8 @@ constexpr int kMaxDepth = 8;
 
 // Controllers and their parameter blocks. Nodes and objects that they point at are evaluated elsewhere.
 void EvaluationPlan::AddWhatIsRead(const ReferenceMaker& maker, int depth) {
-  footprint_.Add(dynamic_cast<const void*>(&maker), kControlBytes);
+  const auto* block = dynamic_cast<const ParamBlock2*>(&maker);
+  footprint_.Add(dynamic_cast<const void*>(&maker), block ? sizeof *block : kControlBytes);
   maker.AddFootprint(footprint_);
   if (depth == kMaxDepth) return;
   for (int i = 0; i < maker.NumRefs(); ++i) {

@@ -319,7 +319,7 @@ void ReferenceTarget::TellWatchers() {
   const RefGuard keep(this);
   const DeliveryScope scope;
   if (!monitors_.empty()) Deliver({FOREVER, PART_ALL, REFMSG_CHANGE, kAnySuper, true, this, nullptr, ++lastNotice});
-  for (int i = kCustAttribRef; i < NumRefs(); ++i) {
+  for (int i = kCustAttribRef, n = NumRefs(); i < n; ++i) {
     ReferenceTarget* part = ReferenceAt(i);
     if (part && !part->AsNode()) part->TellWatchers();
   }

@@ -6,6 +6,7 @@
 #include "host/core/param_block.h"
 #include "host/core/published.h"
 #include "plugin/frame/class_table.h"
+#include "plugin/frame/guard.h"
 
 namespace tavrilon {
 
@@ -42,6 +43,16 @@ class BlockControl : public corvanta::Control, protected corvanta::FPInterface {
   }
   float Param(corvanta::ParamID id, corvanta::TimeValue t, corvanta::Interval& valid) const {
     return block_->GetFloat(id, t, valid);
+  }
+  /// `last` becomes what `compute` gives. Asked again while it computes, it stays, and holds for no time but `t`.
+  template <class Value, class Compute>
+  static void Guarded(bool& evaluating, Value& last, corvanta::TimeValue t, corvanta::Interval& valid,
+                      Compute&& compute) {
+    const ReentryGuard guard(evaluating);
+    if (guard.Reentered())
+      valid &= corvanta::Interval::Instant(t);
+    else
+      last = compute();
   }
 
   corvanta::ParamBlock2* block_ = nullptr;

@@ -5,6 +5,7 @@
 
 #include "host/core/hold.h"
 #include "plugin/frame/guard.h"
+#include "plugin/frame/lock_chunk.h"
 
 namespace tavrilon {
 
@@ -12,7 +13,6 @@ using namespace corvanta;
 
 namespace {
 enum FunctionID { kSetTarget = 0, kGetTarget = 1 };
-constexpr uint16_t kLockChunk = 0;
 
 WStr NumberText(float f) {
   wchar_t text[32];
@@ -248,21 +248,8 @@ void ConnectionControl::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   locked_ = static_cast<ConnectionControl&>(source).locked_;
 }
 
-IOResult ConnectionControl::Save(ISave& save) {
-  save.BeginChunk(kLockChunk);
-  save.Write(static_cast<int32_t>(locked_));
-  save.EndChunk();
-  return save.Status();
-}
+IOResult ConnectionControl::Save(ISave& save) { return SaveLockChunk(save, locked_); }
 
-IOResult ConnectionControl::Load(ILoad& load) {
-  while (load.OpenChunk() == IOResult::OK) {
-    int32_t locked = 0;
-    if (load.CurChunkID() == kLockChunk) load.Read(locked);
-    locked_ = locked != 0;
-    load.CloseChunk();
-  }
-  return load.Status();
-}
+IOResult ConnectionControl::Load(ILoad& load) { return LoadLockChunk(load, locked_); }
 
 }  // namespace tavrilon

@@ -96,11 +96,7 @@ float FloatConnection::Shown(TimeValue t, Interval& valid) const {
 
 void FloatConnection::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod method) {
   if (!block_) return;
-  const ReentryGuard guard(evaluating_);
-  if (guard.Reentered())
-    valid &= Interval::Instant(t);
-  else
-    last_ = Shown(t, valid);
+  Guarded(evaluating_, last_, t, valid, [&] { return Shown(t, valid); });
   float& out = value.Float();
   out = method == CTRL_RELATIVE ? out + last_ : last_;
 }

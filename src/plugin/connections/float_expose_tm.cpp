@@ -63,11 +63,7 @@ float FloatExposeTM::Shown(TimeValue t, Interval& valid) const {
 
 void FloatExposeTM::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod method) {
   if (!block_) return;
-  const ReentryGuard guard(evaluating_);
-  if (guard.Reentered())
-    valid &= Interval::Instant(t);
-  else
-    last_ = Shown(t, valid);
+  Guarded(evaluating_, last_, t, valid, [&] { return Shown(t, valid); });
   value.Float() = method == CTRL_RELATIVE ? value.Float() + last_ : last_;
 }
 

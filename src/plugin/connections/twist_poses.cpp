@@ -150,11 +150,7 @@ float TwistPosesFloat::Shown(TimeValue t, Interval& valid) const {
 
 void TwistPosesFloat::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod method) {
   if (!block_) return;
-  const ReentryGuard guard(evaluating_);
-  if (guard.Reentered())
-    valid &= Interval::Instant(t);
-  else
-    last_ = Shown(t, valid);
+  Guarded(evaluating_, last_, t, valid, [&] { return Shown(t, valid); });
   value.Float() = method == CTRL_RELATIVE ? value.Float() + last_ : last_;
 }
 
@@ -179,11 +175,7 @@ Quat TwistPosesRotation::Shown(TimeValue t, Interval& valid) const {
 
 void TwistPosesRotation::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod method) {
   if (!block_) return;
-  const ReentryGuard guard(evaluating_);
-  if (guard.Reentered())
-    valid &= Interval::Instant(t);
-  else
-    last_ = Shown(t, valid);
+  Guarded(evaluating_, last_, t, valid, [&] { return Shown(t, valid); });
   if (method != CTRL_RELATIVE)
     value.Quat() = last_;
   else

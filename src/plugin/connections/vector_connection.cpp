@@ -120,11 +120,7 @@ Point3 PositionConnection::Shown(TimeValue t, Interval& valid) const {
 
 void PositionConnection::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod method) {
   if (!block_) return;
-  const ReentryGuard guard(evaluating_);
-  if (guard.Reentered())
-    valid &= Interval::Instant(t);
-  else
-    last_ = Shown(t, valid);
+  Guarded(evaluating_, last_, t, valid, [&] { return Shown(t, valid); });
   if (method != CTRL_RELATIVE)
     value.Point3() = last_;
   else if (value.Is(ValueKind::Matrix3))
@@ -176,11 +172,7 @@ Quat RotationConnection::Shown(TimeValue t, Interval& valid) const {
 
 void RotationConnection::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod method) {
   if (!block_) return;
-  const ReentryGuard guard(evaluating_);
-  if (guard.Reentered())
-    valid &= Interval::Instant(t);
-  else
-    last_ = Shown(t, valid);
+  Guarded(evaluating_, last_, t, valid, [&] { return Shown(t, valid); });
   if (method != CTRL_RELATIVE)
     value.Quat() = last_;
   else
@@ -214,11 +206,7 @@ ScaleValue ScaleConnection::Shown(TimeValue t, Interval& valid) const {
 
 void ScaleConnection::GetValue(TimeValue t, ValueRef value, Interval& valid, GetSetMethod method) {
   if (!block_) return;
-  const ReentryGuard guard(evaluating_);
-  if (guard.Reentered())
-    valid &= Interval::Instant(t);
-  else
-    last_ = Shown(t, valid);
+  Guarded(evaluating_, last_, t, valid, [&] { return Shown(t, valid); });
   if (method != CTRL_RELATIVE)
     value.Scale() = last_;
   else

@@ -5,6 +5,7 @@
 #include "host/core/remap.h"
 #include "host/scene/core_interface.h"
 #include "plugin/frame/find.h"
+#include "plugin/frame/lock_chunk.h"
 #include "plugin/frame/loop_validator.h"
 
 namespace tavrilon {
@@ -97,25 +98,9 @@ void WrappingControl::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   locked_ = static_cast<WrappingControl&>(source).locked_;
 }
 
-namespace {
-constexpr uint16_t kLockChunk = 9525;
-}
+IOResult WrappingControl::Save(ISave& save) { return SaveLockChunk(save, locked_); }
 
-IOResult WrappingControl::Save(ISave& save) {
-  save.BeginChunk(kLockChunk);
-  save.Write(int32_t{locked_});
-  save.EndChunk();
-  return save.Status();
-}
-
-IOResult WrappingControl::Load(ILoad& load) {
-  while (load.OpenChunk() == IOResult::OK) {
-    int32_t number = 0;
-    if (load.CurChunkID() == kLockChunk && load.Read(number) == IOResult::OK) locked_ = number != 0;
-    load.CloseChunk();
-  }
-  return load.Status();
-}
+IOResult WrappingControl::Load(ILoad& load) { return LoadLockChunk(load, locked_); }
 
 // Script interface.
 

@@ -6,6 +6,7 @@
 #include "plugin/controllers/gimbal_proxy.h"
 #include "plugin/frame/animation_manager_mod.h"
 #include "plugin/frame/find.h"
+#include "plugin/frame/lock_chunk.h"
 
 namespace tavrilon {
 
@@ -208,25 +209,9 @@ void RigControl::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
 
 // Chunks.
 
-namespace {
-constexpr uint16_t kLockChunk = 9525;
-}
+IOResult RigControl::Save(ISave& save) { return SaveLockChunk(save, locked_); }
 
-IOResult RigControl::Save(ISave& save) {
-  save.BeginChunk(kLockChunk);
-  save.Write(int32_t{locked_});
-  save.EndChunk();
-  return save.Status();
-}
-
-IOResult RigControl::Load(ILoad& load) {
-  while (load.OpenChunk() == IOResult::OK) {
-    int32_t number = 0;
-    if (load.CurChunkID() == kLockChunk && load.Read(number) == IOResult::OK) locked_ = number != 0;
-    load.CloseChunk();
-  }
-  return load.Status();
-}
+IOResult RigControl::Load(ILoad& load) { return LoadLockChunk(load, locked_); }
 
 ReferenceTarget* CreateRigControl(bool loading) { return new RigControl(loading); }
 

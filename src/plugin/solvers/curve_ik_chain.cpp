@@ -5,6 +5,7 @@
 
 #include "host/core/remap.h"
 #include "plugin/frame/guard.h"
+#include "plugin/frame/lock_chunk.h"
 #include "plugin/frame/rig_maths.h"
 #include "plugin/solvers/curve_ik_control.h"
 
@@ -36,8 +37,6 @@ void ReadFrame(const Matrix3& tm, PointFrame& frame) {
   frame.rot = OrthoQuat(tm);
   frame.scale = {Length(tm.row[0]), Length(tm.row[1]), Length(tm.row[2])};
 }
-
-constexpr uint16_t kLockChunk = 1;
 
 }  // namespace
 
@@ -247,19 +246,8 @@ void CurveIKChain::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   locked_ = static_cast<CurveIKChain&>(source).locked_;
 }
 
-IOResult CurveIKChain::Save(ISave& save) {
-  save.BeginChunk(kLockChunk);
-  save.Write(locked_);
-  save.EndChunk();
-  return save.Status();
-}
+IOResult CurveIKChain::Save(ISave& save) { return SaveLockChunk(save, locked_); }
 
-IOResult CurveIKChain::Load(ILoad& load) {
-  while (load.OpenChunk() == IOResult::OK) {
-    if (load.CurChunkID() == kLockChunk) load.Read(locked_);
-    load.CloseChunk();
-  }
-  return load.Status();
-}
+IOResult CurveIKChain::Load(ILoad& load) { return LoadLockChunk(load, locked_); }
 
 }  // namespace tavrilon

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/solvers/curve_ik_control.h"
 
+#include "plugin/frame/lock_chunk.h"
 #include "plugin/solvers/curve_ik_chain.h"
 
 namespace tavrilon {
@@ -21,8 +22,6 @@ constexpr ParamRow kRows[] = {
   {kSquash,      L"squash",             ParamType::Percent, kAnimatable, 1.0f,   {-kMost, kMost}, L"Squash:"},
 };
 // clang-format on
-
-constexpr uint16_t kLockChunk = 1;
 
 }  // namespace
 
@@ -120,19 +119,8 @@ void CurveIKControl::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   locked_ = static_cast<CurveIKControl&>(source).locked_;
 }
 
-IOResult CurveIKControl::Save(ISave& save) {
-  save.BeginChunk(kLockChunk);
-  save.Write(locked_);
-  save.EndChunk();
-  return save.Status();
-}
+IOResult CurveIKControl::Save(ISave& save) { return SaveLockChunk(save, locked_); }
 
-IOResult CurveIKControl::Load(ILoad& load) {
-  while (load.OpenChunk() == IOResult::OK) {
-    if (load.CurChunkID() == kLockChunk) load.Read(locked_);
-    load.CloseChunk();
-  }
-  return load.Status();
-}
+IOResult CurveIKControl::Load(ILoad& load) { return LoadLockChunk(load, locked_); }
 
 }  // namespace tavrilon

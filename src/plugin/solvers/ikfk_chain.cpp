@@ -7,6 +7,7 @@
 #include "host/core/remap.h"
 #include "host/scene/core_interface.h"
 #include "plugin/frame/find.h"
+#include "plugin/frame/lock_chunk.h"
 #include "plugin/frame/loop_validator.h"
 #include "plugin/solvers/ikfk_control.h"
 
@@ -203,20 +204,8 @@ ReferenceTarget* IKFKChain::Clone(RemapDir& remap) {
 
 void IKFKChain::CopyStateFrom(ReferenceTarget& source, RemapDir&) { locked_ = static_cast<IKFKChain&>(source).locked_; }
 
-IOResult IKFKChain::Save(ISave& save) {
-  save.BeginChunk(kLockChunk);
-  save.Write(int32_t{locked_});
-  save.EndChunk();
-  return save.Status();
-}
+IOResult IKFKChain::Save(ISave& save) { return SaveLockChunk(save, locked_); }
 
-IOResult IKFKChain::Load(ILoad& load) {
-  while (load.OpenChunk() == IOResult::OK) {
-    int32_t number = 0;
-    if (load.CurChunkID() == kLockChunk && load.Read(number) == IOResult::OK) locked_ = number != 0;
-    load.CloseChunk();
-  }
-  return load.Status();
-}
+IOResult IKFKChain::Load(ILoad& load) { return LoadLockChunk(load, locked_); }
 
 }  // namespace tavrilon

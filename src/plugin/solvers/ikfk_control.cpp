@@ -6,6 +6,7 @@
 #include "host/core/remap.h"
 #include "host/scene/node.h"
 #include "plugin/frame/find.h"
+#include "plugin/frame/lock_chunk.h"
 #include "plugin/solvers/ikfk_chain.h"
 #include "plugin/solvers/ikfk_link.h"
 
@@ -234,13 +235,8 @@ void IKFKControl::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   locked_ = static_cast<IKFKControl&>(source).locked_;
 }
 
-IOResult IKFKControl::Load(ILoad& load) {
-  while (load.OpenChunk() == IOResult::OK) {
-    int32_t number = 0;
-    if (load.CurChunkID() == kLockChunk && load.Read(number) == IOResult::OK) locked_ = number != 0;
-    load.CloseChunk();
-  }
-  return load.Status();
-}
+IOResult IKFKControl::Save(ISave& save) { return SaveLockChunk(save, locked_); }
+
+IOResult IKFKControl::Load(ILoad& load) { return LoadLockChunk(load, locked_); }
 
 }  // namespace tavrilon

@@ -90,7 +90,7 @@ class IKFKControl final : public corvanta::CompositeControl {
                                        corvanta::PartID& part, corvanta::RefMessage message, bool propagate) override;
   corvanta::ReferenceTarget* Clone(corvanta::RemapDir& remap) override;
   void CopyStateFrom(corvanta::ReferenceTarget& source, corvanta::RemapDir& remap) override;
-  corvanta::IOResult Save(corvanta::ISave& save) override { return SaveLock(save); }
+  corvanta::IOResult Save(corvanta::ISave& save) override;
   corvanta::IOResult Load(corvanta::ILoad& load) override;
   void PostLoad() override { ReadBlock(); }
 

@@ -6,6 +6,7 @@
 #include "host/anim/class_ids.h"
 #include "host/core/remap.h"
 #include "host/scene/node.h"
+#include "plugin/frame/lock_chunk.h"
 #include "plugin/frame/loop_validator.h"
 #include "plugin/solvers/link.h"
 
@@ -139,20 +140,8 @@ void IKFKLink::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   keepPosition_ = from.keepPosition_;
 }
 
-IOResult IKFKLink::Save(ISave& save) {
-  save.BeginChunk(kLockChunk);
-  save.Write(int32_t{locked_});
-  save.EndChunk();
-  return save.Status();
-}
+IOResult IKFKLink::Save(ISave& save) { return SaveLockChunk(save, locked_); }
 
-IOResult IKFKLink::Load(ILoad& load) {
-  while (load.OpenChunk() == IOResult::OK) {
-    int32_t number = 0;
-    if (load.CurChunkID() == kLockChunk && load.Read(number) == IOResult::OK) locked_ = number != 0;
-    load.CloseChunk();
-  }
-  return load.Status();
-}
+IOResult IKFKLink::Load(ILoad& load) { return LoadLockChunk(load, locked_); }
 
 }  // namespace tavrilon

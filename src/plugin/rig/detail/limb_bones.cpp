@@ -121,7 +121,7 @@ INode* BuildSegment(Limb& limb, size_t joint) {
     return bones.empty() ? nullptr : bones.front();
   }
   const float own = limb.parts.SegmentLength(limb.points[joint]);
-  // A joint at the very end has no segment: its bone is a stub.
+  // A joint at the very end has no segment: its bone is a short one.
   const float length = own > 0 ? own : 0.3f * limb.EndLength();
   INode* control = limb.controls[joint];
   BoneSpec bone{limb.Name(row.word), control->GetNodeTM(0), limb.lastBone, length};

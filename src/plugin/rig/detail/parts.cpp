@@ -68,7 +68,7 @@ Anchor Parts::MakeRow(const RowSpec& spec, Anchor parent) {
 void Parts::MakeEndBone(const PartName& name, INode* parentBone) {
   const int point = Point(name);
   if (point < 0 || !parentBone) return;
-  // A tip has no length of its own: its bone is a stub of a fifth of the one before.
+  // A tip has no length of its own: its bone is a short one of a fifth of the one before.
   const RigPoint& p = rig.Points()[static_cast<size_t>(point)];
   const Matrix3 last = p.parent >= 0 ? frames.PointTM(p.parent, height) : Matrix3();
   Matrix3 tm = last;

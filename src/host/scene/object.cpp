@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "host/core/remap.h"
+#include "host/scene/mesh_object.h"
 
 namespace corvanta {
 
@@ -67,6 +68,14 @@ ModifiedDisplay DerivedObject::Stack(TimeValue t, INode* node) const {
   for (int i = NumModifiers() - 1; i >= 0; --i)
     if (Modifier* modifier = GetModifier(i)) modifier->ModifyDisplay(t, node, display);
   return display;
+}
+
+bool DerivedObject::EvalMesh(TimeValue t, INode* node, MeshState& state) {
+  if (!base_ || !base_->EvalMesh(t, node, state)) return false;
+  for (size_t i = modifiers_.size(); i-- > 0;) {
+    if (modifiers_[i]) modifiers_[i]->ModifyMesh(t, node, state);
+  }
+  return true;
 }
 
 Box3 DerivedObject::GetLocalBoundBox(TimeValue t, INode* node) {

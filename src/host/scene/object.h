@@ -13,6 +13,7 @@ namespace corvanta {
 
 class GraphicsWindow;
 struct HitRecord;
+struct MeshState;
 
 /// Base of every object and of what can be edited below object level.
 class BaseObject : public ReferenceTarget {
@@ -53,6 +54,9 @@ class Object : public BaseObject {
   virtual Object* GetBaseObject() { return this; }
   /// Points that modifiers may move, in the object's space; empty for objects without any.
   virtual int NumPoints(TimeValue t) { return 0; }
+  /// Fills `state` with the mesh as `node` shows it at `t`; false for an object without one. A state that is passed
+  /// again and again keeps its memory.
+  virtual bool EvalMesh(TimeValue t, INode* node, MeshState& state) { return false; }
 };
 
 class GeomObject : public Object {
@@ -80,6 +84,8 @@ class Modifier : public ReferenceTarget {
   SClass_ID SuperClassID() const override { return kModifierSuper; }
   virtual WStr GetName() const { return GetClassName(); }
   virtual void ModifyDisplay(TimeValue t, INode* node, ModifiedDisplay& display) {}
+  /// Changes the mesh that comes from below: moves points, or puts another mesh in its place; narrows its interval.
+  virtual void ModifyMesh(TimeValue t, INode* node, MeshState& state) {}
   virtual ParamBlock2* GetParamBlock() { return nullptr; }
 };
 
@@ -106,6 +112,7 @@ class DerivedObject final : public Object {
   void Display(TimeValue t, INode* node, GraphicsWindow& view) override;
   Box3 GetLocalBoundBox(TimeValue t, INode* node) override;
   int NumPoints(TimeValue t) override { return base_ ? base_->NumPoints(t) : 0; }
+  bool EvalMesh(TimeValue t, INode* node, MeshState& state) override;
   ParamBlock2* GetParamBlock() override { return base_ ? base_->GetParamBlock() : nullptr; }
 
   int NumRefs() const override { return 1 + NumModifiers(); }

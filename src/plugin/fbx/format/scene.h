@@ -73,6 +73,7 @@ class FbxPose final : public FbxObject {
 
  private:
   using FbxObject::FbxObject;
+  void Unlink(const FbxObject& gone) override;
 };
 
 class FbxScene {
@@ -82,11 +83,11 @@ class FbxScene {
   FbxScene(const FbxScene&) = delete;
 
   const std::string& GetName() const { return name_; }
-  FbxNode* GetRootNode() const { return root_; }
+  FbxNode* GetRootNode() const { return root_.get(); }
   FbxGlobalSettings& GetGlobalSettings() { return settings_; }
   const FbxGlobalSettings& GetGlobalSettings() const { return settings_; }
 
-  // In the order of making.
+  // In the order of making; the root is in none of them.
   const std::vector<FbxNode*>& Nodes() const { return nodes_; }
   const std::vector<FbxAnimStack*>& Stacks() const { return stacks_; }
   const std::vector<FbxPose*>& Poses() const { return poses_; }
@@ -106,14 +107,14 @@ class FbxScene {
  private:
   friend class FbxObject;
   friend class FbxNode;
-  template <class T, class... Args>
-  friend T* MakeObject(FbxScene& scene, Args&&... args);
+  template <class T>
+  friend T* OwnObject(FbxScene& scene, T* object);
   explicit FbxScene(std::string name);
   void Destroy(FbxObject* object);
 
   std::string name_;
   std::vector<std::unique_ptr<FbxObject>> objects_;
-  FbxNode* root_ = nullptr;
+  std::unique_ptr<FbxNode> root_;
   std::vector<FbxNode*> nodes_;
   std::vector<FbxAnimStack*> stacks_;
   std::vector<FbxPose*> poses_;

@@ -15,7 +15,7 @@ constexpr uint64_t kLargestRatio = 1032;
 // What files hold in their mean, so that the two vectors seldom grow while they are filled.
 constexpr size_t kBytesPerRecord = 80, kBytesPerProperty = 40;
 
-constexpr char kEndsEarly[] = "the file ends early; it was not written or copied to its end";
+constexpr char kEndsEarly[] = "the file was not written or copied to its end";
 
 }  // namespace
 
@@ -62,16 +62,17 @@ bool BinaryParser::ParseRecord() {
     return CloseBlock();
   }
   at_ += header + nameLength;
-  if (end > parentEnd && open_.size() == 1)
-    return Fail(at, "a record ends at byte " + std::to_string(end) + ", behind the end of the file; " + kEndsEarly);
-  if (end > parentEnd) return Fail(at, "a child ends at byte " + std::to_string(end) + ", behind its parent");
-  if (end < at_) return Fail(at, "a record ends at byte " + std::to_string(end) + ", before its properties");
+  if (at_ > parentEnd) return Fail(at, "the name of a record ends early");
   if (static_cast<int>(open_.size()) > limits_.depth)
     return Fail(at, "records are nested deeper than " + std::to_string(limits_.depth) + " levels");
   const uint32_t record = document_.Append(at, open_.back().record, open_.back().lastChild);
   document_.records_[record].name = at + header;
   document_.records_[record].nameLength = nameLength;
   open_.push_back({record, FbxDocument::kNoRecord, end});
+  if (end < at_) return Fail(at, "the record ends at byte " + std::to_string(end) + ", before its properties");
+  if (end > parentEnd)
+    return Fail(at, "the record ends at byte " + std::to_string(end) + ", behind " +
+                        (open_.size() > 2 ? "its parent" : std::string("the end of the file; ") + kEndsEarly));
   if (propertyBytes > end - at_)
     return Fail(at_, "the properties take " + std::to_string(propertyBytes) + " bytes, more than the record");
   if (!ParseProperties(count, at_ + propertyBytes)) return false;

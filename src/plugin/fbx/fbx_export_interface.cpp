@@ -2,6 +2,7 @@
 #include "plugin/fbx/fbx_export_interface.h"
 
 #include "host/scene/scene.h"
+#include "plugin/frame/core_interfaces.h"
 
 namespace tavrilon {
 
@@ -94,5 +95,7 @@ FbxExportInterface& GetFbxExportInterface() {
   static FbxExportInterface instance;
   return instance;
 }
+
+FPInterface& FbxExportCoreInterface() { return GetFbxExportInterface(); }
 
 }  // namespace tavrilon

@@ -8,6 +8,7 @@
 #include "host/core/notify.h"
 #include "host/core/remap.h"
 #include "host/core/state_restore.h"
+#include "host/scene/material.h"
 #include "host/scene/scene.h"
 
 namespace corvanta {
@@ -173,6 +174,8 @@ ReferenceTarget* INode::GetReference(int which) const {
       return object_;
     case 2:
       return visController_;
+    case 3:
+      return material_;
     default:
       return nullptr;
   }
@@ -189,6 +192,9 @@ void INode::SetReference(int which, ReferenceTarget* target) {
     case 2:
       visController_ = static_cast<Control*>(target);
       break;
+    case 3:
+      material_ = static_cast<Mtl*>(target);
+      break;
     default:
       break;
   }
@@ -198,6 +204,12 @@ void INode::SetReference(int which, ReferenceTarget* target) {
 bool INode::SetTMController(Control* control) {
   if (ReplaceReference(0, control) != REF_SUCCEED) return false;
   InvalidateTM();
+  return true;
+}
+
+bool INode::SetMtl(Mtl* material) {
+  if (ReplaceReference(3, material) != REF_SUCCEED) return false;
+  NotifyDependents();
   return true;
 }
 
@@ -219,8 +231,8 @@ bool INode::AssignController(Control* control, int subAnim) {
 }
 
 WStr INode::SubAnimName(int i) {
-  constexpr const wchar_t* kNames[] = {L"Transform", L"Object", L"Visibility"};
-  return i >= 0 && i < 3 ? kNames[i] : L"";
+  constexpr const wchar_t* kNames[] = {L"Transform", L"Object", L"Visibility", L"Material"};
+  return i >= 0 && i < 4 ? kNames[i] : L"";
 }
 
 void INode::AddModifier(Modifier* modifier) {

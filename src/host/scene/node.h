@@ -12,6 +12,7 @@ namespace corvanta {
 
 class Scene;
 class SceneLayer;
+class Mtl;
 
 /// What a node holds outside its references; one struct, so that undo and files see it whole.
 struct NodeState {
@@ -83,6 +84,9 @@ class INode final : public ReferenceTarget {
   bool SetTMController(Control* control);
   Control* GetVisController() const { return visController_; }
   bool SetVisController(Control* control);
+  Mtl* GetMtl() const { return material_; }
+  /// Undoable. Null takes the material off; the wire colour shows then.
+  bool SetMtl(Mtl* material);
   Object* GetObjectRef() const { return object_; }
   /// Undoable.
   void SetObjectRef(Object* object);
@@ -126,10 +130,10 @@ class INode final : public ReferenceTarget {
   /// Box of the object in world space.
   Box3 GetWorldBoundBox(TimeValue t);
 
-  // References: 0 transform controller, 1 object, 2 visibility controller.
-  int NumRefs() const override { return 3; }
+  // References: 0 transform controller, 1 object, 2 visibility controller, 3 material.
+  int NumRefs() const override { return 4; }
   ReferenceTarget* GetReference(int which) const override;
-  int NumSubs() const override { return 3; }
+  int NumSubs() const override { return 4; }
   Animatable* SubAnim(int i) override { return GetReference(i); }
   WStr SubAnimName(int i) override;
   int SubNumToRefNum(int i) override { return i; }
@@ -172,6 +176,7 @@ class INode final : public ReferenceTarget {
   INode* parent_ = nullptr;
   Object* object_ = nullptr;
   Control* visController_ = nullptr;
+  Mtl* material_ = nullptr;
   std::vector<INode*> children_;
   Scene* scene_;
   uint32_t handle_ = 0;

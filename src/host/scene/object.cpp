@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "host/core/remap.h"
+#include "host/scene/kept_mesh.h"
 
 namespace corvanta {
 
@@ -22,6 +23,7 @@ ReferenceTarget* DerivedObject::GetReference(int which) const {
 }
 
 void DerivedObject::SetReference(int which, ReferenceTarget* target) {
+  DropKeptMesh();
   if (which < 0) return;
   if (which == 0) {
     base_ = static_cast<Object*>(target);
@@ -69,9 +71,19 @@ ModifiedDisplay DerivedObject::Stack(TimeValue t, INode* node) const {
   return display;
 }
 
+bool DerivedObject::EvalMesh(TimeValue t, INode* node, MeshState& state) {
+  if (!base_ || !base_->EvalMesh(t, node, state)) return false;
+  for (size_t i = modifiers_.size(); i-- > 0;) {
+    if (modifiers_[i]) modifiers_[i]->ModifyMesh(t, node, state);
+  }
+  return true;
+}
+
 Box3 DerivedObject::GetLocalBoundBox(TimeValue t, INode* node) {
   const ModifiedDisplay display = Stack(t, node);
-  return base_ && !display.hidden ? base_->GetLocalBoundBox(t, node) * display.tm : Box3();
+  if (!base_ || display.hidden) return {};
+  KeptMesh* mesh = GetKeptMesh(t, node);
+  return (mesh ? mesh->Box() : base_->GetLocalBoundBox(t, node)) * display.tm;
 }
 
 }  // namespace corvanta

@@ -13,6 +13,8 @@ namespace corvanta {
 
 class GraphicsWindow;
 struct HitRecord;
+struct MeshState;
+struct KeptMesh;
 
 /// Base of every object and of what can be edited below object level.
 class BaseObject : public ReferenceTarget {
@@ -47,12 +49,30 @@ class BaseObject : public ReferenceTarget {
   int subObjLevel_ = 0;
 };
 
+/// May an object's evaluated mesh be kept? Only an object that drops it at every change may answer anything but No.
+enum class MeshKeeping { No, ForAllNodes, ByNode };
+
 class Object : public BaseObject {
  public:
+  Object();
+  ~Object() override;
   /// The object under all modifiers.
   virtual Object* GetBaseObject() { return this; }
   /// Points that modifiers may move, in the object's space; empty for objects without any.
   virtual int NumPoints(TimeValue t) { return 0; }
+  /// Fills `state` with the mesh as `node` shows it at `t`; false for an object without one. A state that is passed
+  /// again and again keeps its memory.
+  virtual bool EvalMesh(TimeValue t, INode* node, MeshState& state) { return false; }
+  /// The mesh that EvalMesh gives, kept here: asked again for one time and place of the node, nothing is computed. Null
+  /// for an object without a mesh. What it points at changes with the next call.
+  KeptMesh* GetKeptMesh(TimeValue t, INode* node);
+
+ protected:
+  virtual MeshKeeping KeepsMesh() const { return MeshKeeping::No; }
+  void DropKeptMesh();
+
+ private:
+  std::unique_ptr<KeptMesh> keptMesh_;
 };
 
 class GeomObject : public Object {
@@ -80,6 +100,8 @@ class Modifier : public ReferenceTarget {
   SClass_ID SuperClassID() const override { return kModifierSuper; }
   virtual WStr GetName() const { return GetClassName(); }
   virtual void ModifyDisplay(TimeValue t, INode* node, ModifiedDisplay& display) {}
+  /// Changes the mesh that comes from below: moves points, or puts another mesh in its place; narrows its interval.
+  virtual void ModifyMesh(TimeValue t, INode* node, MeshState& state) {}
   virtual ParamBlock2* GetParamBlock() { return nullptr; }
 };
 
@@ -106,6 +128,7 @@ class DerivedObject final : public Object {
   void Display(TimeValue t, INode* node, GraphicsWindow& view) override;
   Box3 GetLocalBoundBox(TimeValue t, INode* node) override;
   int NumPoints(TimeValue t) override { return base_ ? base_->NumPoints(t) : 0; }
+  bool EvalMesh(TimeValue t, INode* node, MeshState& state) override;
   ParamBlock2* GetParamBlock() override { return base_ ? base_->GetParamBlock() : nullptr; }
 
   int NumRefs() const override { return 1 + NumModifiers(); }
@@ -115,11 +138,18 @@ class DerivedObject final : public Object {
   WStr SubAnimName(int i) override;
   void CopyStateFrom(ReferenceTarget& source, RemapDir& remap) override;
 
+  RefResult NotifyRefChanged(const Interval& interval, ReferenceTarget* target, PartID& part, RefMessage message,
+                             bool propagate) override {
+    DropKeptMesh();
+    return REF_SUCCEED;
+  }
+
   // Slots for undo and loading.
   void InsertSlot(int at) { modifiers_.insert(modifiers_.begin() + at, nullptr); }
   void RemoveSlot(int at) { modifiers_.erase(modifiers_.begin() + at); }
 
  protected:
+  MeshKeeping KeepsMesh() const override { return MeshKeeping::ByNode; }
   void SetReference(int which, ReferenceTarget* target) override;
 
  private:

@@ -8,6 +8,7 @@
 #include "host/core/tab.h"
 #include "host/scene/evaluation_plan.h"
 #include "host/scene/node.h"
+#include "host/scene/units.h"
 
 namespace corvanta {
 
@@ -125,6 +126,7 @@ class Scene {
   SceneLayer* MakeLayer(const WStr& name, SceneLayer* parent = nullptr);
 
   TimeConfig time;
+  UnitConfig units;
 
   /// Brings every node's matrix to `t`: the way to evaluate a whole scene, many figures above all.
   void Evaluate(TimeValue t) { plan_.Evaluate(*this, t); }

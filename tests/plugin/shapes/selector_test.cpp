@@ -2,6 +2,7 @@
 #include "plugin/shapes/selector.h"
 
 #include "control_test.h"
+#include "host/core/class_desc.h"
 #include "host/scene/skin_modifier.h"
 #include "host/view/hit_test.h"
 
@@ -84,6 +85,7 @@ TEST_F(SelectorTest, MeshIsReadOnceUntilSomethingChanges) {
 
 // A skinned triangle: the faces are those that the mesh shows, and follow its bone.
 TEST_F(SelectorTest, EvaluatedMeshesAnswer) {
+  RegisterHostClasses();
   auto mesh = std::make_shared<Mesh>();
   mesh->points = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
   mesh->AddPolygon(std::array{0, 1, 2, 3});

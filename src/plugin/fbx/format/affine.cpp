@@ -23,10 +23,32 @@ Affine AxisRotation(size_t axis, double degrees) {
 /// Axes in the order of application, by RotationOrder.
 constexpr size_t kAxes[][3] = {{0, 1, 2}, {0, 2, 1}, {1, 2, 0}, {1, 0, 2}, {2, 0, 1}, {2, 1, 0}, {0, 1, 2}};
 
+const size_t (&AxesOf(RotationOrder order))[3] {
+  const auto index = static_cast<size_t>(order);
+  return kAxes[index < std::size(kAxes) ? index : 0];
+}
+
 double NearTurn(double degrees, double near) { return degrees + kTurn * std::round((near - degrees) / kTurn); }
 
 Vector3 NearTurns(const Vector3& degrees, const Vector3& near) {
   return {NearTurn(degrees.x, near.x), NearTurn(degrees.y, near.y), NearTurn(degrees.z, near.z)};
+}
+
+/// The angles of order XYZ nearest to `near`.
+Vector3 XyzAngles(const Affine& m, const Vector3& near) {
+  // Below this cosine of Y the angles X and Z turn about one axis: their difference (or sum) is all there is.
+  constexpr double kGimbal = 1e-6;
+  const double cosY = std::hypot(m.row[0].x, m.row[0].y);
+  const double y = std::atan2(-m.row[0].z, cosY) / kDegreesToRadians;
+  if (cosY < kGimbal) {
+    const double sum = std::atan2(m.row[1].x, m.row[1].y) / kDegreesToRadians;
+    return NearTurns({near.x, y, y > 0 ? near.x - sum : -sum - near.x}, near);
+  }
+  const double x = std::atan2(m.row[1].z, m.row[2].z) / kDegreesToRadians;
+  const double z = std::atan2(m.row[0].y, m.row[0].x) / kDegreesToRadians;
+  const Vector3 one = NearTurns({x, y, z}, near);
+  const Vector3 other = NearTurns({x + 180, 180 - y, z + 180}, near);
+  return Dot(other - near, other - near) < Dot(one - near, one - near) ? other : one;
 }
 
 }  // namespace
@@ -49,27 +71,27 @@ bool IsFinite(const Affine& m) {
 }
 
 Affine Rotation(const Vector3& degrees, RotationOrder order) {
-  const auto index = static_cast<size_t>(order);
-  const auto& axes = kAxes[index < std::size(kAxes) ? index : 0];
+  const auto& axes = AxesOf(order);
   return AxisRotation(axes[0], degrees[axes[0]]) * AxisRotation(axes[1], degrees[axes[1]]) *
          AxisRotation(axes[2], degrees[axes[2]]);
 }
 
-Vector3 RotationToEuler(const Affine& m, const Vector3& wanted) {
-  // Below this cosine of Y the angles X and Z turn about one axis: their difference (or sum) is all there is.
-  constexpr double kGimbal = 1e-6;
+Vector3 RotationToEuler(const Affine& m, const Vector3& wanted, RotationOrder order) {
   const Vector3 near = IsFinite(wanted) ? wanted : Vector3();
-  const double cosY = std::hypot(m.row[0].x, m.row[0].y);
-  const double y = std::atan2(-m.row[0].z, cosY) / kDegreesToRadians;
-  if (cosY < kGimbal) {
-    const double sum = std::atan2(m.row[1].x, m.row[1].y) / kDegreesToRadians;
-    return NearTurns({near.x, y, y > 0 ? near.x - sum : -sum - near.x}, near);
+  const auto& axes = AxesOf(order);
+  // With the axes renamed by their order of application every order is XYZ; renaming by an odd permutation mirrors
+  // space, which turns the sense of each angle.
+  const double sense = (axes[0] + 1) % 3 == axes[1] ? 1 : -1;
+  Affine renamed;
+  Vector3 nearRenamed;
+  for (size_t i = 0; i < 3; ++i) {
+    nearRenamed[i] = near[axes[i]] * sense;
+    for (size_t k = 0; k < 3; ++k) renamed.row[i][k] = m.row[axes[i]][axes[k]];
   }
-  const double x = std::atan2(m.row[1].z, m.row[2].z) / kDegreesToRadians;
-  const double z = std::atan2(m.row[0].y, m.row[0].x) / kDegreesToRadians;
-  const Vector3 one = NearTurns({x, y, z}, near);
-  const Vector3 other = NearTurns({x + 180, 180 - y, z + 180}, near);
-  return Dot(other - near, other - near) < Dot(one - near, one - near) ? other : one;
+  const Vector3 angles = XyzAngles(renamed, nearRenamed);
+  Vector3 degrees;
+  for (size_t i = 0; i < 3; ++i) degrees[axes[i]] = angles[i] * sense;
+  return degrees;
 }
 
 std::array<double, 16> ToFile(const Affine& m) {

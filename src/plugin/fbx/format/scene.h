@@ -124,7 +124,11 @@ class FbxScene {
 };
 
 /// Matrices of nodes at times, from transforms and one stack's curves (none for a null stack). Curves are found once
-/// when it is made, so ask one evaluator for many times, rising.
+/// when it is made, so ask one evaluator for many times, rising; the scene must stay as it is meanwhile.
+///
+/// The stack's lowest layer takes the place of the still values; the layers above are laid over it by their mode and
+/// weight. Override replaces whatever the weight; passing through mixes by weight. Muted layers are left out, and when
+/// any layer is solo, all that are not.
 class SceneEvaluator {
  public:
   SceneEvaluator(const FbxScene& scene, const FbxAnimStack* stack);

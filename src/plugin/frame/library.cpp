@@ -28,6 +28,7 @@ void OnHostClosing(void*, NotifyInfo*) {
 void AttachLibrary(void* moduleHandle) {
   SetModuleHandle(moduleHandle);
   if (!GetCoreInterface(TavrilonInterface::kId)) RegisterCoreInterface(&GetTavrilonInterface());
+  RegisterFBXImportInterface();
 }
 
 void InitializeLibrary() {

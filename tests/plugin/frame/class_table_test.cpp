@@ -106,8 +106,7 @@ TEST(ClassTable, NotBuiltYet) {
                                             L"RotationLayers",
                                             L"ScaleLayers",
                                             L"AnimLayersLocalWeights",
-                                            L"TavrilonFBXExporter",
-                                            L"TavrilonFBXImporter"};
+                                            L"TavrilonFBXExporter"};
   std::set<std::wstring> missing;
   for (const ClassDesc& desc : kClassTable)
     if (!desc.create) missing.insert(desc.internalName);

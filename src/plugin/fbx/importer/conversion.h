@@ -44,7 +44,6 @@ corvanta::WStr ConvertMeshes(Conversion& conversion);
 /// Share of the whole that is done when a part of the conversion is; false when the user stops it.
 bool ShowConversion(double share);
 inline constexpr wchar_t kImportTitle[] = L"Tavrilon FBX Import";
-inline constexpr wchar_t kStopped[] = L"Stopped.";
 
 // Numbers as the host keeps them. Beyond this size, and without being finite, they are no lengths, and squares of them
 // leave single precision.

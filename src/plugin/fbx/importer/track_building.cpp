@@ -13,9 +13,7 @@ using fbx::Vector3;
 
 namespace {
 
-Point3 ToPoint(const Vector3& v) {
-  return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
-}
+Point3 ToPoint(const Vector3& v) { return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)}; }
 void Assign(Point3& to, const Vector3& v) { to = ToPoint(v); }
 void Assign(float& to, const Vector3& v) { to = static_cast<float>(v.x); }
 void Assign(ScaleValue& to, const Vector3& v) { to.s = ToPoint(v); }

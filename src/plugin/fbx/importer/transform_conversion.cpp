@@ -48,9 +48,9 @@ class TransformConverter {
     const double length = kPositionTolerance / conversion_.context.centimetres;
     BuildTrack(positions_, times_, length, transform.position);
     BuildTrack(scales_, times_, kScaleTolerance, transform.scale);
-    for (size_t axis = 0; axis < 3; ++axis) BuildTrack(angles_[axis], times_, kRotationTolerance, transform.rotation[axis]);
-    if (shear_ > kShearBound)
-      conversion_.Note("Shear cannot be kept; axes are straightened", node_->GetName());
+    for (size_t axis = 0; axis < 3; ++axis)
+      BuildTrack(angles_[axis], times_, kRotationTolerance, transform.rotation[axis]);
+    if (shear_ > kShearBound) conversion_.Note("Shear cannot be kept; axes are straightened", node_->GetName());
     if (lost_) conversion_.Note("Values that are not finite, or beyond any size, are passed over", node_->GetName());
   }
   /// Of each node so far from its parent, in the parent's space, as the file has them without animation.
@@ -83,8 +83,7 @@ class TransformConverter {
     }
     positions_.push_back(last_.translation);
     scales_.push_back(last_.scaling);
-    for (size_t axis = 0; axis < 3; ++axis)
-      angles_[axis].push_back({last_.rotation[axis] * kDegreesToRadians, 0, 0});
+    for (size_t axis = 0; axis < 3; ++axis) angles_[axis].push_back({last_.rotation[axis] * kDegreesToRadians, 0, 0});
   }
 
   Conversion& conversion_;
@@ -117,7 +116,8 @@ WStr ConvertTransforms(Conversion& conversion) {
   converter.BoundSamples();
   const size_t count = conversion.sources.size();
   for (size_t i = 0; i < count; ++i) {
-    if (i % kNodesPerLook == 0 && !ShowConversion(static_cast<double>(i) / static_cast<double>(count))) return kStopped;
+    if (i % kNodesPerLook == 0 && !ShowConversion(static_cast<double>(i) / static_cast<double>(count)))
+      return kExchangeStopped;
     converter.Convert(i);
   }
   MeasureBones(conversion.plan.nodes, converter.Distances());

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include "plugin/fbx/importer/fbx_import_interface.h"
+
+#include "plugin/frame/script_primitives.h"
+
+namespace tavrilon {
+
+using namespace corvanta;
+using I = FBXImportInterface;
+
+const FPInterfaceDesc& FBXImportInterface::GetDesc() const {
+  static const FPInterfaceDesc desc(
+      kId, L"FBXImport", {{I::kImportFile, L"ImportFile", FPType::Bool, {{L"filename", FPType::FileName}}}},
+      {
+          {I::kGetImportSkeletalMesh, I::kSetImportSkeletalMesh, L"ImportSkeletalMesh", FPType::Bool},
+          {I::kGetImportAnimation, I::kSetImportAnimation, L"ImportAnimation", FPType::Bool},
+          {I::kGetStack, I::kSetStack, L"Stack", FPType::String},
+          {I::kGetLog, -1, L"Log", FPType::StringTab},
+          {I::kGetError, -1, L"Error", FPType::String},
+      });
+  return desc;
+}
+
+FPStatus FBXImportInterface::Invoke(int id, TimeValue, FPValue& result, std::span<const FPValue> args) {
+  switch (id) {
+    case kImportFile:
+      result = ImportFile(FPArg(args, 0).ToWStr());
+      break;
+    case kGetImportSkeletalMesh:
+      result = options_.skeletalMesh;
+      break;
+    case kSetImportSkeletalMesh:
+      options_.skeletalMesh = FPArg(args, 0).ToBool();
+      break;
+    case kGetImportAnimation:
+      result = options_.animation;
+      break;
+    case kSetImportAnimation:
+      options_.animation = FPArg(args, 0).ToBool();
+      break;
+    case kGetStack:
+      result = options_.stack;
+      break;
+    case kSetStack:
+      options_.stack = FPArg(args, 0).ToWStr();
+      break;
+    case kGetLog:
+      result = FPValue::Tab(report_.log.begin(), report_.log.end());
+      break;
+    case kGetError:
+      result = report_.error;
+      break;
+    default:
+      return FPStatus::NoSuchFunction;
+  }
+  return FPStatus::OK;
+}
+
+bool FBXImportInterface::ImportFile(const WStr& file) { return ImportFbx(file, options_, report_); }
+
+FBXImportInterface& GetFBXImportInterface() {
+  static FBXImportInterface instance;
+  return instance;
+}
+
+void RegisterFBXImportInterface() {
+  if (!GetCoreInterface(FBXImportInterface::kId)) RegisterCoreInterface(&GetFBXImportInterface());
+}
+
+}  // namespace tavrilon

@@ -62,39 +62,53 @@ const MeshTriangles& KeptMesh::Triangles() {
   return triangles_;
 }
 
-namespace {
-
-void SortByMaterial(const Mesh& mesh, const MeshTriangles& triangles, MeshPicture& picture) {
-  picture.runs.clear();
-  picture.triangles = triangles.corners;
-  if (mesh.materials.empty()) {
-    picture.runs.push_back({0, 0});
-    return;
-  }
-  const auto materialOf = [&](size_t i) { return mesh.materials[static_cast<size_t>(triangles.polygons[i])]; };
-  std::vector<size_t> order(triangles.polygons.size());
-  std::iota(order.begin(), order.end(), size_t{0});
-  std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) { return materialOf(a) < materialOf(b); });
-  for (size_t i = 0; i < order.size(); ++i) {
-    picture.triangles[i] = triangles.corners[order[i]];
-    const uint16_t material = materialOf(order[i]);
-    if (picture.runs.empty() || picture.runs.back().material != material) picture.runs.push_back({material, i});
+// Polygons by material, in their order for each.
+void KeptMesh::GroupByMaterial() {
+  const Mesh& mesh = *state.mesh;
+  const MeshTriangles& triangles = Triangles();
+  const auto materialOf = [&](int polygon) {
+    return mesh.materials.empty() ? uint16_t{0} : mesh.materials[static_cast<size_t>(polygon)];
+  };
+  std::vector<int> order(static_cast<size_t>(mesh.NumPolygons()));
+  std::iota(order.begin(), order.end(), 0);
+  if (!mesh.materials.empty())
+    std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return materialOf(a) < materialOf(b); });
+  // A polygon has two triangles less than corners, so its first one is two behind its first corner for each before it.
+  picture_.runs.clear();
+  picture_.triangles.clear();
+  cornerOf_.clear();
+  for (const int polygon : order) {
+    const auto at = static_cast<size_t>(polygon);
+    if (picture_.runs.empty() || picture_.runs.back().material != materialOf(polygon))
+      picture_.runs.push_back({materialOf(polygon), cornerOf_.size(), 0, picture_.triangles.size(), 0});
+    MeshPicture::Run& run = picture_.runs.back();
+    const int first = mesh.starts[at], count = mesh.starts[at + 1] - first;
+    const int shift = static_cast<int>(run.numPoints) - first;
+    for (int i = 0; i < count; ++i) cornerOf_.push_back(first + i);
+    for (int i = first - 2 * polygon; i < first - 2 * polygon + count - 2; ++i) {
+      const auto& t = triangles.corners[static_cast<size_t>(i)];
+      picture_.triangles.push_back({t[0] + shift, t[1] + shift, t[2] + shift});
+    }
+    run.numPoints += static_cast<size_t>(count);
+    run.numTriangles += static_cast<size_t>(count - 2);
   }
 }
-
-}  // namespace
 
 const MeshPicture& KeptMesh::Picture() {
   if (pictureMade_) return picture_;
   const Mesh& mesh = *state.mesh;
   if (pictureOf_ != state.mesh) {
-    SortByMaterial(mesh, Triangles(), picture_);
+    GroupByMaterial();
     pictureOf_ = state.mesh;
   }
-  picture_.points.resize(mesh.corners.size());
-  for (size_t i = 0; i < mesh.corners.size(); ++i)
-    picture_.points[i] = state.points[static_cast<size_t>(mesh.corners[i])];
-  CornerNormals(mesh, state.points, picture_.normals);
+  CornerNormals(mesh, state.points, normals_);
+  picture_.points.resize(cornerOf_.size());
+  picture_.normals.resize(cornerOf_.size());
+  for (size_t i = 0; i < cornerOf_.size(); ++i) {
+    const auto corner = static_cast<size_t>(cornerOf_[i]);
+    picture_.points[i] = state.points[static_cast<size_t>(mesh.corners[corner])];
+    picture_.normals[i] = normals_[corner];
+  }
   pictureMade_ = true;
   return picture_;
 }

@@ -7,15 +7,14 @@
 namespace corvanta {
 
 /// A mesh as triangles for drawing: one point and one normal a corner, so that edges between smoothing groups are
-/// sharp.
+/// sharp. The corners are grouped by material ID.
 struct MeshPicture {
   std::vector<Point3> points, normals;
-  /// Over the corners, by rising material ID.
+  /// Their points count from the first one of their run.
   std::vector<std::array<int, 3>> triangles;
   struct Run {
-    uint16_t material;
-    /// The first triangle of it; it ends where the next run starts.
-    size_t first;
+    uint16_t material = 0;
+    size_t firstPoint = 0, numPoints = 0, firstTriangle = 0, numTriangles = 0;
   };
   std::vector<Run> runs;
 };
@@ -32,6 +31,7 @@ struct KeptMesh {
  private:
   friend class Object;
   void Moved();
+  void GroupByMaterial();
 
   bool hasMesh_ = false;
   // What the state was evaluated for.
@@ -47,6 +47,9 @@ struct KeptMesh {
   std::shared_ptr<const Mesh> trianglesOf_, pictureOf_;
   MeshTriangles triangles_;
   MeshPicture picture_;
+  /// The mesh's corner that each point of the picture stands for.
+  std::vector<int> cornerOf_;
+  std::vector<Point3> normals_;
 };
 
 }  // namespace corvanta

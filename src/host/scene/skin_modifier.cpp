@@ -82,6 +82,7 @@ int SkinModifier::AddBone(INode* bone, const Matrix3& bind) {
   if (theHold.Holding()) theHold.Put(std::make_unique<SlotRestore<SkinModifier>>(this, at, true));
   InsertSlot(at);
   state_.bind.push_back(bind);
+  toBones_.clear();
   ReplaceReference(at, bone);
   NotifyDependents(FOREVER, PART_GEOM);
   return at - 1;
@@ -102,7 +103,10 @@ bool SkinModifier::SetWeights(std::shared_ptr<const SkinWeights> weights) {
   return true;
 }
 
-void SkinModifier::StateRestored() { NotifyDependents(FOREVER, PART_GEOM); }
+void SkinModifier::StateRestored() {
+  toBones_.clear();
+  NotifyDependents(FOREVER, PART_GEOM);
+}
 
 // A bone is heard when it moves, and then the mesh's points change, not its node's place. Its name, colour, selection
 // and object do not matter here.
@@ -133,6 +137,7 @@ void SkinModifier::CopyStateFrom(ReferenceTarget& source, RemapDir&) {
   const auto& from = static_cast<SkinModifier&>(source);
   state_ = from.state_;
   bones_.resize(from.bones_.size());
+  toBones_.clear();
 }
 
 IOResult SkinModifier::Save(ISave& save) {
@@ -168,6 +173,7 @@ IOResult SkinModifier::Load(ILoad& load) {
     return load.Fail("the skin is wrong: " + fault);
   state_.weights = weights;
   bones_.resize(state_.bind.size());
+  toBones_.clear();
   return IOResult::OK;
 }
 

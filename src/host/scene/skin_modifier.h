@@ -94,6 +94,8 @@ class SkinModifier final : public Modifier {
   ParamBlock2* block_ = nullptr;
   std::vector<INode*> bones_;
   State state_;
+  /// meshBind * Inverse(boneBind) of each bone; empty when it has to be made.
+  std::vector<Matrix3> toBones_;
   std::vector<Matrix3> palette_;
 };
 

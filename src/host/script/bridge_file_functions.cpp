@@ -3,6 +3,7 @@
 #include "host/io/exchange.h"
 #include "host/io/scene_file.h"
 #include "host/script/bridge_functions.h"
+#include "host/script/bridge_object.h"
 #include "host/script/execute.h"
 #include "host/script/script_error.h"
 

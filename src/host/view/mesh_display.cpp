@@ -12,12 +12,11 @@ void DrawMesh(TimeValue t, INode* node, KeptMesh& mesh, GraphicsWindow& view) {
   const MeshPicture& picture = mesh.Picture();
   const DrawScope scope(view);
   Mtl* material = node ? node->GetMtl() : nullptr;
-  const std::span<const std::array<int, 3>> all(picture.triangles);
-  for (size_t i = 0; i < picture.runs.size(); ++i) {
-    const size_t first = picture.runs[i].first;
-    const size_t end = i + 1 < picture.runs.size() ? picture.runs[i + 1].first : all.size();
-    if (material) view.SetColour(material->DisplayColour(t, picture.runs[i].material));
-    view.Triangles({picture.points, all.subspan(first, end - first), picture.normals});
+  for (const MeshPicture::Run& run : picture.runs) {
+    if (material) view.SetColour(material->DisplayColour(t, run.material));
+    view.Triangles({std::span(picture.points).subspan(run.firstPoint, run.numPoints),
+                    std::span(picture.triangles).subspan(run.firstTriangle, run.numTriangles),
+                    std::span(picture.normals).subspan(run.firstPoint, run.numPoints)});
   }
 }
 

@@ -71,6 +71,10 @@ corvanta::ReferenceTarget* CreateRig(bool loading);
 corvanta::ReferenceTarget* CreateRigSystem(bool loading);
 
 // fbx/
+<<<<<<< HEAD
 corvanta::ReferenceTarget* CreateFBXImporter(bool loading);
+=======
+corvanta::ReferenceTarget* CreateTavrilonFBXExporter(bool loading);
+>>>>>>> main
 
 }  // namespace tavrilon

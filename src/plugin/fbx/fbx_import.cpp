@@ -9,6 +9,7 @@
 namespace tavrilon {
 
 using namespace corvanta;
+using namespace fbx_import;
 
 namespace {
 

@@ -71,10 +71,7 @@ corvanta::ReferenceTarget* CreateRig(bool loading);
 corvanta::ReferenceTarget* CreateRigSystem(bool loading);
 
 // fbx/
-<<<<<<< HEAD
-corvanta::ReferenceTarget* CreateFBXImporter(bool loading);
-=======
 corvanta::ReferenceTarget* CreateTavrilonFBXExporter(bool loading);
->>>>>>> main
+corvanta::ReferenceTarget* CreateTavrilonFBXImporter(bool loading);
 
 }  // namespace tavrilon

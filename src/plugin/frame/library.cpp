@@ -17,6 +17,7 @@ using InterfaceGetter = FPInterface& (*)();
 constexpr InterfaceGetter kCoreInterfaces[] = {
     []() -> FPInterface& { return GetTavrilonInterface(); },
     FbxExportCoreInterface,
+    FbxImportCoreInterface,
 };
 
 // The panel and the pose kit of the old scene are no longer the current ones.
@@ -34,15 +35,10 @@ void OnHostClosing(void*, NotifyInfo*) {
 
 void AttachLibrary(void* moduleHandle) {
   SetModuleHandle(moduleHandle);
-<<<<<<< HEAD
-  if (!GetCoreInterface(TavrilonInterface::kId)) RegisterCoreInterface(&GetTavrilonInterface());
-  RegisterFBXImportInterface();
-=======
   for (const InterfaceGetter getter : kCoreInterfaces) {
     FPInterface& interface = getter();
     if (!GetCoreInterface(interface.GetDesc().id)) RegisterCoreInterface(&interface);
   }
->>>>>>> main
 }
 
 void InitializeLibrary() {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The functions and interfaces that the library adds to the script language, each defined beside what it makes.
+// The functions that the library adds to the script language, each defined beside what it makes.
 #pragma once
 
 namespace tavrilon {
@@ -9,8 +9,5 @@ void RegisterIKFKSolverPrimitive();
 void UnregisterIKFKSolverPrimitive();
 void RegisterCurveIKSolverPrimitive();
 void UnregisterCurveIKSolverPrimitive();
-
-// fbx/
-void RegisterFBXImportInterface();
 
 }  // namespace tavrilon

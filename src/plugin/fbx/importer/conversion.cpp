@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/fbx/importer/conversion.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 using namespace fbx;
@@ -70,4 +70,4 @@ Matrix3 ToMatrix3(const Affine& m) {
   return result;
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -8,7 +8,7 @@
 #include "plugin/fbx/format/scene.h"
 #include "plugin/fbx/importer/import_plan.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 /// What the parts of a conversion share.
 struct Conversion {
@@ -54,4 +54,4 @@ bool IsSane(const fbx::Affine& m);
 corvanta::Point3 ToPoint3(const fbx::Vector3& v);
 corvanta::Matrix3 ToMatrix3(const fbx::Affine& m);
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

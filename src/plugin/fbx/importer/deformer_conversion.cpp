@@ -6,7 +6,7 @@
 #include "plugin/fbx/importer/file_time.h"
 #include "plugin/fbx/importer/track_building.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 using namespace fbx;
@@ -177,4 +177,4 @@ void DeformerConverter::TakeWeight(const FbxBlendShapeChannel& channel, double s
   BuildTrack(samples, {time.firstFrame * time.ticksPerFrame, time.ticksPerFrame}, kWeightTolerance, weight);
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -4,7 +4,7 @@
 
 #include "plugin/fbx/importer/conversion.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 class DeformerConverter {
  public:
@@ -25,4 +25,4 @@ class DeformerConverter {
   fbx::SceneEvaluator evaluator_;
 };
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

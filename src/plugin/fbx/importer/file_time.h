@@ -5,7 +5,7 @@
 #include "host/maths/interval.h"
 #include "plugin/fbx/format/time.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 inline constexpr int64_t kFileTicksPerTick = fbx::FbxTime::kTicksPerSecond / corvanta::kTicksPerSecond;
 static_assert(kFileTicksPerTick * corvanta::kTicksPerSecond == fbx::FbxTime::kTicksPerSecond,
@@ -13,4 +13,4 @@ static_assert(kFileTicksPerTick * corvanta::kTicksPerSecond == fbx::FbxTime::kTi
 
 inline fbx::FbxTime FileTimeOf(corvanta::TimeValue t) { return {t * kFileTicksPerTick}; }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -12,7 +12,7 @@
 #include "host/scene/morpher_modifier.h"
 #include "host/scene/skin_modifier.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 /// A track: its keys, or the one value that it has without any.
 template <class Key, class Value>
@@ -117,4 +117,4 @@ struct ImportContext {
   corvanta::WStr file;
 };
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

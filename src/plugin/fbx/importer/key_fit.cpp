@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using fbx::Vector3;
 
@@ -163,4 +163,4 @@ double SizeOf(std::span<const Vector3> samples, int dimensions) {
   return size;
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -7,7 +7,7 @@
 
 #include "plugin/fbx/format/affine.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 /// A key at a sample. Slopes are value units a sample, in the direction of time.
 struct FittedKey {
@@ -28,4 +28,4 @@ double SpreadOf(std::span<const fbx::Vector3> samples, int dimensions);
 /// Largest magnitude of a component.
 double SizeOf(std::span<const fbx::Vector3> samples, int dimensions);
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

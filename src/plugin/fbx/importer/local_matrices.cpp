@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/fbx/importer/local_matrices.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace fbx;
 
@@ -35,4 +35,4 @@ bool LocalMatrices::IsAnimated(const FbxNode* node) const {
   return false;
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -4,7 +4,7 @@
 
 #include "plugin/fbx/format/scene.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 class LocalMatrices {
  public:
@@ -23,4 +23,4 @@ class LocalMatrices {
   fbx::SceneEvaluator evaluator_;
 };
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

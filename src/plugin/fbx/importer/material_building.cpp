@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/fbx/importer/material_building.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 
@@ -47,4 +47,4 @@ Ref<Mtl> MaterialOf(const std::vector<int>& numbers, const std::vector<Ref<Mtl>>
   return list.Get();
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

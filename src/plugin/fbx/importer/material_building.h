@@ -5,7 +5,7 @@
 #include "host/scene/material.h"
 #include "plugin/fbx/importer/import_plan.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 std::vector<corvanta::Ref<corvanta::Mtl>> BuildMaterials(const std::vector<PlannedMaterial>& planned);
 
@@ -14,4 +14,4 @@ corvanta::Ref<corvanta::Mtl> MaterialOf(const std::vector<int>& numbers,
                                         const std::vector<corvanta::Ref<corvanta::Mtl>>& materials,
                                         const corvanta::WStr& name);
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -5,7 +5,7 @@
 
 #include "plugin/fbx/importer/conversion.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 using namespace fbx;
@@ -116,4 +116,4 @@ void ConvertMaterials(Conversion& conversion) {
   }
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -6,7 +6,7 @@
 #include "plugin/fbx/importer/deformer_conversion.h"
 #include "plugin/fbx/importer/smoothing_groups.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 using namespace fbx;
@@ -233,4 +233,4 @@ WStr ConvertMeshes(Conversion& conversion) {
   return {};
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

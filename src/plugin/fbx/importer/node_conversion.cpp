@@ -3,7 +3,7 @@
 #include "host/scene/node.h"
 #include "plugin/fbx/importer/conversion.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 using namespace fbx;
@@ -84,4 +84,4 @@ WStr ConvertNodes(Conversion& conversion) {
   return {};
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -8,7 +8,7 @@
 #include "host/scene/subdivision_modifier.h"
 #include "plugin/fbx/importer/track_setting.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 
@@ -67,4 +67,4 @@ Ref<Modifier> MakeSubdivision(int levels) {
   return subdivision.Get();
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -5,7 +5,7 @@
 #include "host/scene/node.h"
 #include "plugin/fbx/importer/import_plan.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 /// A bone or a point helper.
 corvanta::Ref<corvanta::Object> MakeObject(const PlannedNode& planned);
@@ -14,4 +14,4 @@ corvanta::Ref<corvanta::Modifier> MakeMorpher(const std::vector<PlannedMorphChan
 corvanta::Ref<corvanta::Modifier> MakeSkin(const PlannedSkin& planned, const std::vector<corvanta::INode*>& nodes);
 corvanta::Ref<corvanta::Modifier> MakeSubdivision(int levels);
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

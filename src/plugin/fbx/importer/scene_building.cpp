@@ -11,7 +11,7 @@
 #include "plugin/fbx/importer/object_building.h"
 #include "plugin/fbx/importer/track_setting.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 
@@ -173,4 +173,4 @@ WStr BuildScene(const ImportPlan& plan) {
   return error;
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -4,11 +4,11 @@
 
 #include "plugin/fbx/importer/import_plan.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 /// Makes everything in the plan as one step of undo, "FBX Import", selects it, and sets frame rate and range: a scene
 /// without nodes takes both, another one widens its range. Empty, or why it could not be done; the scene is then as it
 /// was before.
 corvanta::WStr BuildScene(const ImportPlan& plan);
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -4,7 +4,7 @@
 #include <numeric>
 #include <unordered_map>
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 
@@ -93,4 +93,4 @@ std::vector<uint32_t> GroupsOfEdges(const Mesh& mesh, const std::unordered_set<u
   return groups;
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -6,7 +6,7 @@
 
 #include "host/mesh/mesh.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 /// An edge between two points, whichever way it runs.
 inline uint64_t EdgeKey(int a, int b) {
@@ -19,4 +19,4 @@ inline uint64_t EdgeKey(int a, int b) {
 /// groups and is smooth; so is one between patches when all 32 groups are taken around it.
 std::vector<uint32_t> GroupsOfEdges(const corvanta::Mesh& mesh, const std::unordered_set<uint64_t>& softEdges);
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -6,7 +6,7 @@
 #include "plugin/fbx/importer/conversion.h"
 #include "plugin/fbx/importer/file_time.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 using namespace fbx;
@@ -101,4 +101,4 @@ WStr PlanTime(Conversion& conversion) {
   return {};
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -6,7 +6,7 @@
 
 #include "plugin/fbx/importer/key_fit.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 using fbx::Vector3;
@@ -56,4 +56,4 @@ void BuildTrack(std::span<const Vector3> samples, const SampleTimes& times, doub
   Build(samples, 1, times, tolerance, track);
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -7,7 +7,7 @@
 #include "plugin/fbx/format/affine.h"
 #include "plugin/fbx/importer/import_plan.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 // How far a key curve may be from its samples.
 //
@@ -38,4 +38,4 @@ void BuildTrack(std::span<const fbx::Vector3> samples, const SampleTimes& times,
 /// Reads the first component.
 void BuildTrack(std::span<const fbx::Vector3> samples, const SampleTimes& times, double tolerance, FloatTrack& track);
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

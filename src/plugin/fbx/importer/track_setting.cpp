@@ -6,7 +6,7 @@
 #include "host/core/class_desc.h"
 #include "plugin/frame/class_table.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 
@@ -65,4 +65,4 @@ Ref<Control> MakeTransform(const PlannedTransform& transform) {
   return set ? prs : nullptr;
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

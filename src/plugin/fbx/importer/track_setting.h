@@ -6,10 +6,10 @@
 #include "host/core/control.h"
 #include "plugin/fbx/importer/import_plan.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 /// Null when a class is not there. To be called with undo suspended and animate off.
 corvanta::Ref<corvanta::Control> MakeTransform(const PlannedTransform& transform);
 corvanta::Ref<corvanta::Control> MakeFloatTrack(const FloatTrack& track);
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -9,7 +9,7 @@
 #include "plugin/fbx/importer/track_building.h"
 #include "plugin/fbx/importer/trs.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace corvanta;
 using namespace fbx;
@@ -124,4 +124,4 @@ WStr ConvertTransforms(Conversion& conversion) {
   return {};
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

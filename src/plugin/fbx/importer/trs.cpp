@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 using namespace fbx;
 
@@ -64,4 +64,4 @@ Affine ComposeTrs(const Trs& trs) {
   return Scaling(trs.scaling) * Rotation(trs.rotation) * Translation(trs.translation);
 }
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -4,7 +4,7 @@
 
 #include "plugin/fbx/format/affine.h"
 
-namespace tavrilon {
+namespace tavrilon::fbx_import {
 
 /// scale * rotation * translation for row vectors; degrees in order XYZ.
 struct Trs {
@@ -25,4 +25,4 @@ fbx::Affine ComposeTrs(const Trs& trs);
 /// Above this cosine between axes a matrix counts as sheared. The same bound as for files that go out.
 inline constexpr double kShearBound = 1e-4;
 
-}  // namespace tavrilon
+}  // namespace tavrilon::fbx_import

@@ -7,7 +7,7 @@
 
 namespace tavrilon {
 
-class FBXImportInterface final : public corvanta::FPInterface {
+class FbxImportInterface final : public corvanta::FPInterface {
  public:
   enum Function : int {
     kImportFile = 0,
@@ -20,8 +20,8 @@ class FBXImportInterface final : public corvanta::FPInterface {
     kGetLog = 7,
     kGetError = 8,
   };
-  /// The words of the importer's class.
-  static constexpr corvanta::Interface_ID kId{0x5D9B730A, 0x37C248F1};
+  /// Beside the importer class.
+  static constexpr corvanta::Interface_ID kId{0x5D9B730A, 0x37C248F2};
 
   const corvanta::FPInterfaceDesc& GetDesc() const override;
   corvanta::FPStatus Invoke(int id, corvanta::TimeValue t, corvanta::FPValue& result,
@@ -36,6 +36,6 @@ class FBXImportInterface final : public corvanta::FPInterface {
   corvanta::ExchangeReport report_;
 };
 
-FBXImportInterface& GetFBXImportInterface();
+FbxImportInterface& GetFbxImportInterface();
 
 }  // namespace tavrilon

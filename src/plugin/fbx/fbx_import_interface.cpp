@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "plugin/fbx/importer/fbx_import_interface.h"
+#include "plugin/fbx/fbx_import_interface.h"
 
-#include "plugin/frame/script_primitives.h"
+#include "plugin/frame/core_interfaces.h"
 
 namespace tavrilon {
 
 using namespace corvanta;
-using I = FBXImportInterface;
+using I = FbxImportInterface;
 
-const FPInterfaceDesc& FBXImportInterface::GetDesc() const {
+const FPInterfaceDesc& FbxImportInterface::GetDesc() const {
   static const FPInterfaceDesc desc(
       kId, L"FBXImport", {{I::kImportFile, L"ImportFile", FPType::Bool, {{L"filename", FPType::FileName}}}},
       {
@@ -21,7 +21,7 @@ const FPInterfaceDesc& FBXImportInterface::GetDesc() const {
   return desc;
 }
 
-FPStatus FBXImportInterface::Invoke(int id, TimeValue, FPValue& result, std::span<const FPValue> args) {
+FPStatus FbxImportInterface::Invoke(int id, TimeValue, FPValue& result, std::span<const FPValue> args) {
   switch (id) {
     case kImportFile:
       result = ImportFile(FPArg(args, 0).ToWStr());
@@ -56,15 +56,13 @@ FPStatus FBXImportInterface::Invoke(int id, TimeValue, FPValue& result, std::spa
   return FPStatus::OK;
 }
 
-bool FBXImportInterface::ImportFile(const WStr& file) { return ImportFbx(file, options_, report_); }
+bool FbxImportInterface::ImportFile(const WStr& file) { return ImportFbx(file, options_, report_); }
 
-FBXImportInterface& GetFBXImportInterface() {
-  static FBXImportInterface instance;
+FbxImportInterface& GetFbxImportInterface() {
+  static FbxImportInterface instance;
   return instance;
 }
 
-void RegisterFBXImportInterface() {
-  if (!GetCoreInterface(FBXImportInterface::kId)) RegisterCoreInterface(&GetFBXImportInterface());
-}
+FPInterface& FbxImportCoreInterface() { return GetFbxImportInterface(); }
 
 }  // namespace tavrilon

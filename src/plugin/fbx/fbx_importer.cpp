@@ -3,7 +3,7 @@
 #include <charconv>
 
 #include "host/script/execute.h"
-#include "plugin/fbx/importer/fbx_import_interface.h"
+#include "plugin/fbx/fbx_import_interface.h"
 #include "plugin/frame/class_table.h"
 
 namespace tavrilon {
@@ -33,7 +33,7 @@ class TavrilonFBXImporter final : public SceneImport {
            L"animation.";
   }
   bool DoImport(const WStr& file, bool, ExchangeReport& report) override {
-    FbxImportOptions options = GetFBXImportInterface().Options();
+    FbxImportOptions options = GetFbxImportInterface().Options();
     options.skin = IsOn(L"Skin");
     options.convertUnits = IsOn(L"ScaleConversion");
     options.scaleFactor = ScaleFactor();
@@ -43,6 +43,6 @@ class TavrilonFBXImporter final : public SceneImport {
 
 }  // namespace
 
-ReferenceTarget* CreateFBXImporter(bool) { return new TavrilonFBXImporter; }
+ReferenceTarget* CreateTavrilonFBXImporter(bool) { return new TavrilonFBXImporter; }
 
 }  // namespace tavrilon

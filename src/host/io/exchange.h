@@ -9,6 +9,9 @@
 
 namespace corvanta {
 
+/// The error of work that the user stopped.
+inline constexpr wchar_t kExchangeStopped[] = L"Stopped.";
+
 /// What an import or export has to tell.
 struct ExchangeReport {
   /// Why it failed; empty when it did not.

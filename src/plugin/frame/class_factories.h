@@ -72,5 +72,6 @@ corvanta::ReferenceTarget* CreateRigSystem(bool loading);
 
 // fbx/
 corvanta::ReferenceTarget* CreateTavrilonFBXExporter(bool loading);
+corvanta::ReferenceTarget* CreateTavrilonFBXImporter(bool loading);
 
 }  // namespace tavrilon

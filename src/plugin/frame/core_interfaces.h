@@ -10,5 +10,6 @@ namespace tavrilon {
 
 // fbx/
 corvanta::FPInterface& FbxExportCoreInterface();
+corvanta::FPInterface& FbxImportCoreInterface();
 
 }  // namespace tavrilon

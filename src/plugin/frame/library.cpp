@@ -17,6 +17,7 @@ using InterfaceGetter = FPInterface& (*)();
 constexpr InterfaceGetter kCoreInterfaces[] = {
     []() -> FPInterface& { return GetTavrilonInterface(); },
     FbxExportCoreInterface,
+    FbxImportCoreInterface,
 };
 
 // The panel and the pose kit of the old scene are no longer the current ones.

@@ -122,7 +122,7 @@ TEST(Curves, ConstantsGetOneKey) {
   const Row kRows[] = {
       {"still", {5, 5, 5}, 0, {5}},
       {"noise", {5, 5.0005f, 5.001f}, 0, {5.0005f}},
-      {"noise about a neat value", {0.9995f, 1, 1.0008f}, 1, {1}},
+      {"noise about a neat value", {0.9995f, 1, 1.0005f}, 1, {1}},
       {"slow", {5, 5.001f, 5.002f}, 0, {5, 5.001f, 5.002f}},
       {"one peak", {1, 2, 1}, 1, {1, 2, 1}},
   };

@@ -70,4 +70,8 @@ corvanta::ReferenceTarget* CreateControlHelper(bool loading);
 corvanta::ReferenceTarget* CreateRig(bool loading);
 corvanta::ReferenceTarget* CreateRigSystem(bool loading);
 
+// fbx/
+corvanta::ReferenceTarget* CreateTavrilonFBXExporter(bool loading);
+corvanta::ReferenceTarget* CreateTavrilonFBXImporter(bool loading);
+
 }  // namespace tavrilon

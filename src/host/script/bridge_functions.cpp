@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "host/core/class_desc.h"
+#include "host/scene/mesh_object.h"
 #include "host/scene/scene.h"
 #include "host/script/bridge_object.h"
 #include "host/script/operators.h"
@@ -58,7 +59,7 @@ void AddRow(Table& table, const BuiltinRow& row) {
 const Table& Functions() {
   static const Table& table = *[] {
     auto* made = new Table;
-    for (const auto rows : {NodeFunctions(), ControlFunctions(), ProgramFunctions(), FileFunctions()})
+    for (const auto rows : {NodeFunctions(), ControlFunctions(), ProgramFunctions(), FileFunctions(), MeshFunctions()})
       for (const BuiltinRow& row : rows) AddRow(*made, row);
     return made;
   }();
@@ -104,9 +105,10 @@ class SceneClass final : public ClassObject {
   const ClassDesc& desc_;
 };
 
-void SetKeywords(Value& object, const CallArgs& args) {
+void SetKeywords(Value& object, const CallArgs& args, bool isMesh) {
   for (size_t i = 0; i < args.Keywords().size(); ++i)
-    if (!object.AsObject().Set(args.Keywords()[i], args.KeywordValue(i)))
+    if (!(isMesh && IsMeshKeyword(args.Keywords()[i])) &&
+        !object.AsObject().Set(args.Keywords()[i], args.KeywordValue(i)))
       Fail(Describe(object) + L" has no property `" + args.Keywords()[i] + L"`");
 }
 
@@ -129,8 +131,10 @@ Value MakeInstance(const ClassDesc& desc, const CallArgs& args) {
   Ref<ReferenceTarget> made = desc.Create();
   if (!made) Fail(L"objects of the class " + WStr(desc.className) + L" cannot be made here");
   auto* object = dynamic_cast<Object*>(made.Get());
+  auto* mesh = dynamic_cast<MeshObject*>(object);
+  if (mesh) mesh->SetMesh(MeshFromKeywords(args));
   Value value = WrapTarget(object ? GetScene().CreateObjectNode(object) : made.Get());
-  SetKeywords(value, args);
+  SetKeywords(value, args, mesh != nullptr);
   return value;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Properties of nodes, layers, modifiers and attributes. Matrices, positions and rotations of nodes are of the world.
+// Properties of nodes, layers, modifiers, materials and attributes. Matrices, positions and rotations of nodes are of
+// the world.
 #include "host/core/cust_attrib.h"
+#include "host/scene/material.h"
 #include "host/scene/scene.h"
 #include "host/script/bridge_object.h"
 #include "host/script/operators.h"
@@ -103,6 +105,12 @@ void SetLayer(INode& node, const Value& value) {
   node.SetLayer(layer);
 }
 
+void SetMaterial(INode& node, const Value& value) {
+  auto* material = dynamic_cast<Mtl*>(TargetOf(value));
+  if (!material && !value.IsUndefined()) WrongValue(L"a material or undefined", value);
+  if (!node.SetMtl(material)) Fail(Describe(value) + L" cannot be the material of `" + node.GetName() + L"`");
+}
+
 void SetBaseObject(INode& node, const Value& value) {
   auto* object = dynamic_cast<Object*>(TargetOf(value));
   if (!object) WrongValue(L"an object", value);
@@ -141,6 +149,7 @@ const NodeRow kNodeRows[] = {
     {L"visibility", Visibility, SetVisibility},
     {L"modifiers", Modifiers, nullptr},
     {L"baseObject", [](INode& n) { return WrapTarget(n.GetBaseObject()); }, SetBaseObject},
+    {L"material", [](INode& n) { return WrapTarget(n.GetMtl()); }, SetMaterial},
     {L"wirecolor", [](INode& n) { return Value::Of(UnpackColour(n.GetWireColor())); },
      [](INode& n, const Value& v) { n.SetWireColor(ColourOf(v)); }},
     {L"isHidden", Flag<&INode::IsHidden>, SetFlag<&INode::Hide>},
@@ -191,6 +200,10 @@ const NamedRow kLayerRows[] = {
 const NamedRow kModifierRows[] = {
     {L"name", [](ReferenceTarget& t) { return Value::String(static_cast<Modifier&>(t).GetName()); }, nullptr},
 };
+const NamedRow kMaterialRows[] = {
+    {L"name", [](ReferenceTarget& t) { return Value::String(static_cast<MaterialBase&>(t).GetName()); },
+     [](ReferenceTarget& t, const Value& v) { static_cast<MaterialBase&>(t).SetName(TextOf(v)); }},
+};
 const NamedRow kAttributeRows[] = {
     {L"name", [](ReferenceTarget& t) { return Value::String(static_cast<CustAttrib&>(t).GetName()); }, nullptr},
 };
@@ -202,6 +215,7 @@ std::span<const PropertyRow<INode>> NodeProperties() { return kNodeRows; }
 std::span<const PropertyRow<ReferenceTarget>> NamedProperties(const ReferenceTarget& target) {
   if (dynamic_cast<const SceneLayer*>(&target)) return kLayerRows;
   if (dynamic_cast<const Modifier*>(&target)) return kModifierRows;
+  if (dynamic_cast<const MaterialBase*>(&target)) return kMaterialRows;
   if (dynamic_cast<const CustAttrib*>(&target)) return kAttributeRows;
   return {};
 }

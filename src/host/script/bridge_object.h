@@ -143,7 +143,7 @@ bool SetByRow(std::span<const Row> rows, T& object, const WStr& name, const Valu
 
 std::span<const PropertyRow<INode>> NodeProperties();
 std::span<const PropertyRow<Control>> ControlProperties();
-/// Properties of layers, modifiers and attributes.
+/// Properties of layers, modifiers, materials and attributes.
 std::span<const PropertyRow<ReferenceTarget>> NamedProperties(const ReferenceTarget& target);
 
 /// A published property or function of `interface`.

@@ -102,9 +102,9 @@ class ControlObject : public Base, public WeakRefOwner {
   }
   corvanta::ReferenceTarget* WeakOwner() override { return this; }
   corvanta::ParamBlock2* GetWeakBlock() const override { return core_.block; }
-  /// The faces are drawn where the selector node is, so a mesh that only moves changes nothing here.
+  /// A mesh that only moves changes too when modifiers keep its points in the world.
   bool PassesOn(corvanta::ParamID, int, const corvanta::RefNotice& notice) override {
-    if (notice.part != corvanta::PART_TM) DropSelector(notice.message == corvanta::REFMSG_TARGET_DELETED);
+    DropSelector(notice.message == corvanta::REFMSG_TARGET_DELETED);
     return false;
   }
 

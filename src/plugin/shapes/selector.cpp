@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <string>
 
-#include "host/scene/node.h"
+#include "host/scene/kept_mesh.h"
+#include "host/scene/scene.h"
 #include "plugin/frame/loop_validator.h"
 #include "plugin/shapes/selector_validator.h"
 
@@ -22,6 +23,18 @@ class NotItself final : public PBValidator {
   }
 };
 
+/// What the node shows of its mesh, with all modifiers.
+class ShownMesh final : public SelectorMeshSource {
+ public:
+  void ReadMesh(TimeValue t, INode* node, SelectorMesh& out, Interval& valid) override {
+    KeptMesh* mesh = node->GetObjectRef()->GetKeptMesh(t, node);
+    if (!mesh) return;
+    out.points = mesh->state.points;
+    out.faces = mesh->Triangles().points;
+    valid &= mesh->state.valid;
+  }
+};
+
 }  // namespace
 
 PBValidator* SelectorNodeValidator() {
@@ -31,7 +44,10 @@ PBValidator* SelectorNodeValidator() {
 
 SelectorMeshSource* FindMeshSource(INode* node) {
   Object* object = node ? node->GetBaseObject() : nullptr;
-  return object ? static_cast<SelectorMeshSource*>(object->GetInterface(kSelectorMeshRequest)) : nullptr;
+  if (!object) return nullptr;
+  if (void* own = object->GetInterface(kSelectorMeshRequest)) return static_cast<SelectorMeshSource*>(own);
+  static ShownMesh shown;
+  return EvaluatedMesh(node, node->GetScene().time.time) ? &shown : nullptr;
 }
 
 void PushAlongNormals(SelectorMesh& mesh, float distance) {

@@ -24,7 +24,8 @@ struct SelectorMesh {
   std::vector<Face> faces;
 };
 
-/// What an object answers that can be a selector: its `GetInterface(kSelectorMeshRequest)` returns one.
+/// Where a selector's mesh comes from. Any node with a mesh is one as it shows, with its modifiers; an object that
+/// wants to be one in another way returns its own from `GetInterface(kSelectorMeshRequest)`.
 class SelectorMeshSource {
  public:
   virtual ~SelectorMeshSource() = default;
@@ -34,7 +35,7 @@ class SelectorMeshSource {
 };
 inline constexpr uint32_t kSelectorMeshRequest = 0x54560001;
 
-/// The source behind a node's object; null when the node or its object gives no mesh.
+/// The source behind a node; null when the node gives no mesh.
 SelectorMeshSource* FindMeshSource(corvanta::INode* node);
 
 /// Moves each point by `distance` along its normal, the normalised sum of its faces' area vectors. Points without a

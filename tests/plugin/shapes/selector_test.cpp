@@ -2,6 +2,8 @@
 #include "plugin/shapes/selector.h"
 
 #include "control_test.h"
+#include "host/core/class_desc.h"
+#include "host/scene/skin_modifier.h"
 #include "host/view/hit_test.h"
 
 namespace tavrilon {
@@ -79,6 +81,46 @@ TEST_F(SelectorTest, MeshIsReadOnceUntilSomethingChanges) {
   mesh->NotifyDependents(FOREVER, PART_TOPO);
   EXPECT_EQ(Draw()[0].triangles.size(), 1u);
   EXPECT_EQ(mesh->reads, 2);
+}
+
+// A skinned triangle: the faces are those that the mesh shows, and follow its bone.
+TEST_F(SelectorTest, EvaluatedMeshesAnswer) {
+  RegisterHostClasses();
+  auto mesh = std::make_shared<Mesh>();
+  mesh->points = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+  mesh->AddPolygon(std::array{0, 1, 2, 3});
+  auto* object = new MeshObject;
+  object->SetMesh(mesh);
+  selector = GetScene().CreateObjectNode(object);
+  INode* bone = GetScene().CreateObjectNode(new ControlHelper);
+  auto* skin = new SkinModifier;
+  selector->AddModifier(skin);
+  skin->AddBone(bone, Matrix3());
+  auto weights = std::make_shared<SkinWeights>();
+  const SkinWeight all{0, 1};
+  for (int i = 0; i < 4; ++i) weights->Add({&all, 1});
+  skin->SetWeights(weights);
+  block().SetValue(kSelectorNode, 0, selector);
+  block().SetValue(kSelectorActive, 0, true);
+  block().SetValue(kSelectorPushValue, 0, 0.0f);
+  ASSERT_EQ(control->NumSubObjTypes(), 2);
+  control->ActivateSubobjSel(kPolygonLevel);
+  const std::vector<HitRecord> hits = Click(0.8f, 0.3f);
+  ASSERT_FALSE(hits.empty());
+  control->SelectSubComponent(hits, true, false, false);
+  EXPECT_EQ(core().SelectorStatus(), L"1 Polygons Selected");
+  EXPECT_EQ(core().FaceSel().Count(), 1) << "the first of two triangles";
+
+  control->ActivateSubobjSel(kObjectLevel);
+  const auto drawnAt = [&] { return Draw()[0].points[0]; };
+  EXPECT_EQ(drawnAt(), (Point3{0, 0, 0}));
+  bone->SetNodeTM(0, TransMatrix({0, 0, 5}));
+  EXPECT_EQ(drawnAt(), (Point3{0, 0, 5}));
+  // The node moves, and its bone does not: neither do the points in the world.
+  selector->SetNodeTM(0, TransMatrix({3, 0, 0}));
+  EXPECT_EQ(drawnAt(), (Point3{0, 0, 5}));
+  GetScene().DeleteNode(selector);
+  EXPECT_TRUE(Draw().empty());
 }
 
 TEST_F(SelectorTest, ClicksSelectFaces) {

@@ -57,9 +57,10 @@ enum class RotationOrder : int { XYZ = 0, XZY = 1, YZX = 2, YXZ = 3, ZXY = 4, ZY
 /// Degrees about the axes X, Y, Z (in this order, whatever the order of application). Right-handed.
 /// SphericXYZ counts as XYZ.
 Affine Rotation(const Vector3& degrees, RotationOrder order = RotationOrder::XYZ);
-/// Degrees in order XYZ of a rotation matrix with orthonormal rows, the triple nearest to `near`: both solutions, each
-/// angle by whole turns; at gimbal lock the X angle of `near` is kept.
-Vector3 RotationToEuler(const Affine& m, const Vector3& near = {});
+/// Degrees about X, Y, Z, applied in `order`, of a rotation matrix with orthonormal rows; of all triples the one
+/// nearest to `near`: both solutions, each angle by whole turns. At gimbal lock the angle of `near` that is applied
+/// first is kept.
+Vector3 RotationToEuler(const Affine& m, const Vector3& near = {}, RotationOrder order = RotationOrder::XYZ);
 
 /// The 16 numbers as files store them.
 std::array<double, 16> ToFile(const Affine& m);

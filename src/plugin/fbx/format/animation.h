@@ -48,6 +48,7 @@ class FbxAnimCurveNode final : public FbxObject {
 
  private:
   using FbxObject::FbxObject;
+  void Unlink(const FbxObject& gone) override;
 };
 
 enum class LayerBlend : int { Additive = 0, Override = 1, OverridePassthrough = 2 };
@@ -68,6 +69,7 @@ class FbxAnimLayer final : public FbxObject {
 
  private:
   using FbxObject::FbxObject;
+  void Unlink(const FbxObject& gone) override;
 };
 
 class FbxAnimStack final : public FbxObject {
@@ -82,6 +84,7 @@ class FbxAnimStack final : public FbxObject {
 
  private:
   using FbxObject::FbxObject;
+  void Unlink(const FbxObject& gone) override;
 };
 
 }  // namespace tavrilon::fbx

@@ -2,6 +2,16 @@
 // The document layer: an FBX file as a tree of named records with typed properties, whatever the records mean. Binary
 // files of versions 7100 to 7700 and ASCII files of versions 7100 to 7700 give the same tree.
 //
+// ASCII files differ in these, which the reader of the records must know:
+// - Numbers are typed by how they are written, so `1` in an ASCII file may be a double in a binary one. The conversions
+// of
+//   AsInt, AsDouble and Read make that harmless.
+// - `KeyAttrDataFloat` holds the bit patterns of its floats as integers: an Int32Array (or Int64Array) where binary
+// files
+//   have a FloatArray.
+// - Names of objects, "Class::Name" in the text, come out as "Name 00 01 Class" as in binary files.
+// - A word of one letter without quotes (`Shading: T`) is a Bool that holds the letter, as in binary files.
+//
 // Every number in a file is hostile: lengths, counts and offsets are checked against what holds them before anything
 // is reserved, depth and the sum of inflated bytes are bounded.
 #pragma once
@@ -51,15 +61,20 @@ class PropertyView {
 
   /// Values in an array; 1 for a number, 0 for a text.
   size_t Count() const;
-  /// Fills `values` with the array, converted from the type in the file; inflates on the way. Integers that do not fit
-  /// are clamped. False, with the document's status set, when the array is damaged or the budget for inflated bytes is
-  /// spent. Implemented for int32_t, int64_t, float and double.
+  /// Fills `values` with the array (a number counts as an array of one), converted from the type in the file; inflates
+  /// on the way. Integers that do not fit are clamped. False, with the document's status set, when the array is damaged
+  /// or the budget for inflated bytes is spent; false without it for a text. `values` is empty then. Implemented for
+  /// int32_t, int64_t, float and double.
   template <class T>
   bool Read(std::vector<T>& values) const;
 
  private:
   friend class RecordView;
   PropertyView(const FbxDocument* document, uint32_t index) : document_(document), index_(index) {}
+  const uint8_t* Data() const;
+  template <class T>
+  bool ReadArray(std::vector<T>& values) const;
+  bool Unpack(uint8_t* to, size_t size) const;
   const FbxDocument* document_;
   uint32_t index_;
 };
@@ -114,6 +129,7 @@ class RecordView {
 
  private:
   friend class FbxDocument;
+  friend class AsciiParser;
   RecordView(const FbxDocument* document, uint32_t index) : document_(document), index_(index) {}
   const FbxDocument* document_ = nullptr;
   uint32_t index_ = 0;
@@ -134,7 +150,9 @@ class FbxDocument {
   FbxDocument& operator=(const FbxDocument&) = delete;
 
   /// Parses `bytes`, binary or ASCII by their beginning. `fileName` stands in errors. False with the status set for
-  /// anything that is no sound FBX file of a version told above; older versions are named in the error.
+  /// anything that is no sound FBX file of a version told above; other versions are named in the error. A document that
+  /// could not be parsed has no records. What stands behind the last record (the footer of binary files) is not looked
+  /// at.
   bool Parse(std::vector<uint8_t> bytes, std::string fileName, const ReadLimits& limits = {});
   /// Reads the file and parses it.
   bool Load(const std::string& path, const ReadLimits& limits = {});
@@ -166,29 +184,36 @@ class FbxDocument {
   static constexpr uint32_t kNoRecord = 0xFFFFFFFF;
   struct Record {
     uint64_t at = 0;    // byte of a binary file, line of an ASCII file
-    uint32_t name = 0;  // into bytes_
+    uint64_t name = 0;  // into bytes_
     uint32_t firstProperty = 0;
     uint32_t numProperties = 0;
     uint32_t parent = kNoRecord, firstChild = kNoRecord, next = kNoRecord;
     uint8_t nameLength = 0;
   };
-  /// `at` counts into bytes_; numbers and raw arrays lie there little-endian. The parser of ASCII files puts what it
-  /// read into an arena behind the text in the same form.
-  struct PropertyData {
-    uint64_t at = 0;
-    uint32_t count = 0;   // values of an array
-    uint32_t packed = 0;  // bytes in the file
-    PropertyType type = PropertyType::Int32;
-    bool deflated = false;
-  };
 
+  void Clear();
+  /// Adds a record behind `lastChild`, the last of its parent's children so far, and makes it that.
+  uint32_t Append(uint64_t at, uint32_t parent, uint32_t& lastChild);
+  std::string PathOf(uint32_t record) const;
+  /// Sets the status to "file: byte at, path of the record: text"; lines instead of bytes in ASCII files. Always false.
+  bool Fail(uint64_t at, uint32_t record, const std::string& text) const;
+  bool CheckVersion(uint64_t version);
+  uint32_t RecordOfProperty(uint32_t property) const;
+  /// Takes `bytes` off what may still be read.
+  bool Spend(uint64_t bytes, uint32_t property) const;
+  bool FailAtProperty(uint32_t property, const std::string& text) const;
+
+  // Of a binary file the whole. Of an ASCII file the names and values that were read, in the form of binary files.
   std::vector<uint8_t> bytes_;
+  // Parents stand before their children, and the properties of a record before those of its children.
   std::vector<Record> records_;
-  std::vector<PropertyData> properties_;
+  // Where each property lies in bytes_: its letter, then its value.
+  std::vector<uint64_t> properties_;
   std::string fileName_;
   int version_ = 0;
   bool ascii_ = false;
-  mutable size_t inflateBudget_ = 0;
+  mutable uint64_t inflateBudget_ = 0;
+  mutable std::vector<uint8_t> scratch_;
   mutable FbxStatus status_;
 };
 

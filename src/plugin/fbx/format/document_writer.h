@@ -2,7 +2,9 @@
 // Writes the document layer: binary records, one after the other, into memory. Equal calls give equal bytes.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <span>
 #include <string>
@@ -10,6 +12,13 @@
 #include <vector>
 
 namespace tavrilon::fbx {
+
+/// The footer is a code made from these two, so files need both, behind the header extension:
+/// `out.Begin("FileId"), out.Raw(kFileId), out.End(), out.Leaf("CreationTime", kCreationTime)`. They are the same in
+/// all files, so that equal scenes give equal files.
+inline constexpr std::array<uint8_t, 16> kFileId = {0x28, 0xb3, 0x2a, 0xeb, 0xb6, 0x24, 0xcc, 0xc2,
+                                                    0xbf, 0xc8, 0xb0, 0x2a, 0xa9, 0x2b, 0xfc, 0xf1};
+inline constexpr std::string_view kCreationTime = "1970-01-01 10:00:00:000";
 
 /// The usual walk:
 ///
@@ -19,10 +28,12 @@ namespace tavrilon::fbx {
 ///   out.End();
 ///   std::vector<uint8_t> file = out.Finish();
 ///
-/// Properties go to the record that was begun last, before its first child.
+/// Properties go to the record that was begun last, before its first child. Anything else (a property behind a child,
+/// an End without its Begin, a name of more than 255 bytes) makes the file worthless: it asserts, and Finish gives
+/// nothing.
 class FbxDocumentWriter {
  public:
-  /// 7400 (offsets of 32 bits) or 7500 (64 bits).
+  /// 7100 to 7400 (offsets of 32 bits) or 7500 to 7700 (64 bits).
   explicit FbxDocumentWriter(int version);
   ~FbxDocumentWriter();
   FbxDocumentWriter(const FbxDocumentWriter&) = delete;
@@ -73,26 +84,37 @@ class FbxDocumentWriter {
   void PropertyTime(std::string_view name, std::string_view type, std::string_view label, std::string_view flags,
                     int64_t value);
 
-  /// The whole file with its footer; false by an empty result when it outgrew 4 GiB in version 7400, or when records
-  /// are still open. The writer is spent afterwards.
+  /// The whole file with its footer; empty when it outgrew 4 GiB in a version before 7500, when records are still open,
+  /// or after a call that could not be followed. The writer is spent afterwards.
   std::vector<uint8_t> Finish();
 
  private:
   struct Deflater;
   struct Open {
-    size_t at;            // where the record begins
-    uint64_t properties;  // how many
-    size_t propertiesAt;
-    size_t propertyBytes;
+    size_t at;             // where the record begins
+    size_t propertiesAt;   // where its properties begin
+    size_t propertyBytes;  // known once a child has begun
+    uint64_t numProperties;
     bool hasChildren;
   };
   template <class T>
-  void PutArray(char type, std::span<const T> values);
+  void Put(T value);
+  void PutBytes(const void* bytes, size_t size);
+  void PutField(size_t at, uint64_t value);
+  void BeginProperty(char letter);
+  template <class T>
+  void PutNumber(char letter, T value);
+  template <class T>
+  void PutArray(char letter, std::span<const T> values);
+  void BeginRow(std::string_view name, std::string_view type, std::string_view label, std::string_view flags);
+  size_t HeadSize() const;
+  bool Check(bool holds);
 
   int version_;
   std::vector<uint8_t> bytes_;
   std::vector<Open> open_;
   std::unique_ptr<Deflater> deflater_;
+  bool broken_ = false;
 };
 
 }  // namespace tavrilon::fbx

@@ -61,6 +61,7 @@ class FbxMesh final : public FbxNodeAttribute {
 
  private:
   using FbxNodeAttribute::FbxNodeAttribute;
+  void Unlink(const FbxObject& gone) override;
 };
 
 /// A bone's share of a skin.
@@ -83,6 +84,7 @@ class FbxSkin final : public FbxObject {
 
  private:
   using FbxObject::FbxObject;
+  void Unlink(const FbxObject& gone) override;
 };
 
 /// Sparse offsets of control points, and of normals where there are any (as many, or none).
@@ -112,6 +114,7 @@ class FbxBlendShape final : public FbxObject {
 
  private:
   using FbxObject::FbxObject;
+  void Unlink(const FbxObject& gone) override;
 };
 
 class FbxGeometryConverter {

@@ -115,6 +115,7 @@ class FbxNode final : public FbxObject {
  private:
   friend class FbxScene;
   using FbxObject::FbxObject;
+  void Unlink(const FbxObject& gone) override;
   FbxNode* parent_ = nullptr;
   std::vector<FbxNode*> children_;
   FbxNodeAttribute* attribute_ = nullptr;

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace tavrilon::fbx {
 
@@ -27,6 +28,8 @@ class FbxObject {
 
  protected:
   FbxObject(FbxScene& scene, std::string name) : scene_(&scene), name_(std::move(name)) {}
+  /// Takes out what links to `gone`.
+  virtual void Unlink(const FbxObject& gone) {}
 
  private:
   friend class FbxScene;

@@ -73,6 +73,7 @@ class FbxPose final : public FbxObject {
 
  private:
   using FbxObject::FbxObject;
+  void Unlink(const FbxObject& gone) override;
 };
 
 class FbxScene {
@@ -82,11 +83,11 @@ class FbxScene {
   FbxScene(const FbxScene&) = delete;
 
   const std::string& GetName() const { return name_; }
-  FbxNode* GetRootNode() const { return root_; }
+  FbxNode* GetRootNode() const { return root_.get(); }
   FbxGlobalSettings& GetGlobalSettings() { return settings_; }
   const FbxGlobalSettings& GetGlobalSettings() const { return settings_; }
 
-  // In the order of making.
+  // In the order of making; the root is in none of them.
   const std::vector<FbxNode*>& Nodes() const { return nodes_; }
   const std::vector<FbxAnimStack*>& Stacks() const { return stacks_; }
   const std::vector<FbxPose*>& Poses() const { return poses_; }
@@ -106,14 +107,14 @@ class FbxScene {
  private:
   friend class FbxObject;
   friend class FbxNode;
-  template <class T, class... Args>
-  friend T* MakeObject(FbxScene& scene, Args&&... args);
+  template <class T>
+  friend T* OwnObject(FbxScene& scene, T* object);
   explicit FbxScene(std::string name);
   void Destroy(FbxObject* object);
 
   std::string name_;
   std::vector<std::unique_ptr<FbxObject>> objects_;
-  FbxNode* root_ = nullptr;
+  std::unique_ptr<FbxNode> root_;
   std::vector<FbxNode*> nodes_;
   std::vector<FbxAnimStack*> stacks_;
   std::vector<FbxPose*> poses_;
@@ -123,7 +124,11 @@ class FbxScene {
 };
 
 /// Matrices of nodes at times, from transforms and one stack's curves (none for a null stack). Curves are found once
-/// when it is made, so ask one evaluator for many times, rising.
+/// when it is made, so ask one evaluator for many times, rising; the scene must stay as it is meanwhile.
+///
+/// The stack's lowest layer takes the place of the still values; the layers above are laid over it by their mode and
+/// weight. Override replaces whatever the weight; passing through mixes by weight. Muted layers are left out, and when
+/// any layer is solo, all that are not.
 class SceneEvaluator {
  public:
   SceneEvaluator(const FbxScene& scene, const FbxAnimStack* stack);

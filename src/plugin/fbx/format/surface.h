@@ -44,6 +44,7 @@ class FbxSurfaceMaterial final : public FbxObject {
 
  private:
   using FbxObject::FbxObject;
+  void Unlink(const FbxObject& gone) override;
 };
 
 }  // namespace tavrilon::fbx

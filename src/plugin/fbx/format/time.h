@@ -2,6 +2,7 @@
 // File time: whole ticks, 46186158000 a second, so that all usual frame rates have whole frames.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 
 namespace tavrilon::fbx {
@@ -34,7 +35,7 @@ struct FbxTime {
 
   int64_t ticks = 0;
   double Seconds() const { return static_cast<double>(ticks) / static_cast<double>(kTicksPerSecond); }
-  /// To the nearest tick; NaN gives 0, values beyond some 100,000 years are clamped.
+  /// To the nearest tick; NaN gives 0, what 64 bits do not hold (some six years either way) is clamped.
   static FbxTime FromSeconds(double seconds);
   auto operator<=>(const FbxTime&) const = default;
 

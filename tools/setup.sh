@@ -20,6 +20,7 @@ test_needs=(
   "/usr/include/gtest/gtest.h                           libgtest-dev"
   "/usr/include/gmock/gmock.h                           libgmock-dev"
   "/usr/include/benchmark/benchmark.h                   libbenchmark-dev"
+  "/usr/include/assimp/scene.h                          libassimp-dev"
   "clang++-14                                           clang-14"
   "/usr/lib/llvm-14/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a  libclang-rt-14-dev"
   "clang-format-14                                      clang-format-14"

@@ -52,11 +52,13 @@ struct Mesh {
   void AddPolygon(std::span<const int> points);
 };
 
-/// Empty when all tabs fit together and every index is in range, else what does not ("polygon 7 uses point 1200 of 8").
+/// Empty when all tabs fit together, every index is in range, every number finite and no map channel there twice; else
+/// what is wrong ("polygon 7 uses point 1200 of 8"). A polygon may use a point twice. Everything else in this header
+/// takes a mesh without a fault.
 std::string FaultOf(const Mesh& mesh);
 
-/// Triangles over points; a polygon of n corners gives n - 2, its concave ones by cutting ears. `polygon` tells where
-/// each came from, `corner` which corners of the mesh it takes.
+/// Triangles over points; a polygon of n corners gives n - 2, one with dents by cutting ears (up to 2000 corners;
+/// larger ones are fanned). `polygons` tells where each came from, `corners` which corners of the mesh it takes.
 struct MeshTriangles {
   std::vector<std::array<int, 3>> points;
   std::vector<std::array<int, 3>> corners;
@@ -64,15 +66,19 @@ struct MeshTriangles {
 };
 MeshTriangles Triangulate(const Mesh& mesh);
 
-/// A normal for each corner of `mesh` with its points at `points`: explicit ones as they are, else by smoothing
-/// groups, weighted by the corner's angle. `normals` is resized; nothing is allocated when it is large enough already.
+/// A normal for each corner of `mesh` with its points at `points`: by smoothing groups, weighted by the corner's angle;
+/// polygons without a group are flat. Explicit normals stand as they are while the points do; else each makes the turn
+/// of the smooth normal over the corners of its point that have the same one. A degenerate polygon gives zero.
+/// `normals` is resized; nothing is allocated when it is large enough already and no smaller a mesh was done before.
 void CornerNormals(const Mesh& mesh, std::span<const Point3> points, std::vector<Point3>& normals);
 /// The polygon's normal of unit length by Newell's sum; zero for a degenerate one.
 Point3 PolygonNormal(const Mesh& mesh, std::span<const Point3> points, int polygon);
 
 /// Catmull and Clark, "Recursively generated B-spline surfaces on arbitrary topological meshes" (1978), with open
-/// borders as cubic curves. Maps, materials and smoothing go along; explicit normals are dropped. How each new point
-/// depends on the old ones is kept apart, so that moved points need no new topology.
+/// borders as cubic curves. Maps, materials and smoothing go along; explicit normals are dropped, and a
+/// mesh without smoothing groups comes out smooth all over. Points stay where borders meet, and where more than two
+/// polygons share an edge. How each new point depends on the old ones is kept apart, so that moved points need no new
+/// topology. Levels beyond some millions of polygons are left out.
 struct Subdivision {
   std::shared_ptr<const Mesh> mesh;
   /// Weights of the old points on each new one: `starts`, `sources`, `weights` as in compressed rows.

@@ -27,6 +27,8 @@ class MaterialBase : public ReferenceTarget {
   void StateRestored() { NotifyDependents(FOREVER, PART_ALL, REFMSG_CHANGE); }
 
  protected:
+  /// Without a block, for placeholders of unknown classes.
+  MaterialBase() = default;
   MaterialBase(const ParamBlockDesc2& desc, bool loading);
   void SetReference(int which, ReferenceTarget* target) override {
     if (which == 0) block_ = static_cast<ParamBlock2*>(target);

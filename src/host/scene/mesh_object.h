@@ -35,6 +35,9 @@ class MeshObject final : public GeomObject {
   void CopyStateFrom(ReferenceTarget& source, RemapDir& remap) override;
   void StateRestored();
 
+ protected:
+  MeshKeeping KeepsMesh() const override { return MeshKeeping::ForAllNodes; }
+
  private:
   std::shared_ptr<const Mesh> mesh_ = std::make_shared<Mesh>();
 };

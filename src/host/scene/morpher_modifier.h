@@ -15,6 +15,10 @@ struct MorphTarget {
   bool operator==(const MorphTarget&) const = default;
 };
 
+/// Empty when percentages rise above 0 to 100, points rise and have an offset each, and all numbers are finite; else
+/// what is wrong.
+std::string FaultOf(const std::vector<MorphTarget>& targets);
+
 /// One channel: a weight in percent, and its targets by rising percent. Between two targets their offsets are mixed;
 /// beyond the last the mix goes on.
 class MorphChannel final : public ReferenceTarget {
@@ -34,8 +38,11 @@ class MorphChannel final : public ReferenceTarget {
   float GetWeight(TimeValue t, Interval& valid) const;
   void SetWeight(TimeValue t, float percent);
   const std::vector<MorphTarget>& Targets() const { return *targets_; }
-  /// Undoable. Targets out of order, of equal percent, or with tabs of unequal length are refused (false).
+  /// Undoable. Targets with a fault (see FaultOf) are refused (false).
   bool SetTargets(std::shared_ptr<const std::vector<MorphTarget>> targets);
+
+  /// Adds what the channel does at `t` to the points, and narrows the interval.
+  void AddTo(TimeValue t, MeshState& state) const;
 
   ParamBlock2* GetParamBlock() const { return block_; }
   int NumRefs() const override { return 1; }
@@ -73,6 +80,7 @@ class MorpherModifier final : public Modifier {
   void ModifyMesh(TimeValue t, INode* node, MeshState& state) override;
   int NumRefs() const override { return NumChannels(); }
   ReferenceTarget* GetReference(int which) const override;
+  std::optional<bool> AcceptsReference(int which, const ReferenceTarget& target) const override;
   int NumSubs() const override { return NumChannels(); }
   Animatable* SubAnim(int i) override { return GetReference(i); }
   WStr SubAnimName(int i) override;

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "host/core/remap.h"
-#include "host/scene/mesh_object.h"
+#include "host/scene/kept_mesh.h"
 
 namespace corvanta {
 
@@ -23,6 +23,7 @@ ReferenceTarget* DerivedObject::GetReference(int which) const {
 }
 
 void DerivedObject::SetReference(int which, ReferenceTarget* target) {
+  DropKeptMesh();
   if (which < 0) return;
   if (which == 0) {
     base_ = static_cast<Object*>(target);
@@ -80,7 +81,9 @@ bool DerivedObject::EvalMesh(TimeValue t, INode* node, MeshState& state) {
 
 Box3 DerivedObject::GetLocalBoundBox(TimeValue t, INode* node) {
   const ModifiedDisplay display = Stack(t, node);
-  return base_ && !display.hidden ? base_->GetLocalBoundBox(t, node) * display.tm : Box3();
+  if (!base_ || display.hidden) return {};
+  KeptMesh* mesh = GetKeptMesh(t, node);
+  return (mesh ? mesh->Box() : base_->GetLocalBoundBox(t, node)) * display.tm;
 }
 
 }  // namespace corvanta

@@ -14,6 +14,7 @@ namespace corvanta {
 class GraphicsWindow;
 struct HitRecord;
 struct MeshState;
+struct KeptMesh;
 
 /// Base of every object and of what can be edited below object level.
 class BaseObject : public ReferenceTarget {
@@ -48,8 +49,13 @@ class BaseObject : public ReferenceTarget {
   int subObjLevel_ = 0;
 };
 
+/// May an object's evaluated mesh be kept? Only an object that drops it at every change may answer anything but No.
+enum class MeshKeeping { No, ForAllNodes, ByNode };
+
 class Object : public BaseObject {
  public:
+  Object();
+  ~Object() override;
   /// The object under all modifiers.
   virtual Object* GetBaseObject() { return this; }
   /// Points that modifiers may move, in the object's space; empty for objects without any.
@@ -57,6 +63,16 @@ class Object : public BaseObject {
   /// Fills `state` with the mesh as `node` shows it at `t`; false for an object without one. A state that is passed
   /// again and again keeps its memory.
   virtual bool EvalMesh(TimeValue t, INode* node, MeshState& state) { return false; }
+  /// The mesh that EvalMesh gives, kept here: asked again for one time and place of the node, nothing is computed. Null
+  /// for an object without a mesh. What it points at changes with the next call.
+  KeptMesh* GetKeptMesh(TimeValue t, INode* node);
+
+ protected:
+  virtual MeshKeeping KeepsMesh() const { return MeshKeeping::No; }
+  void DropKeptMesh();
+
+ private:
+  std::unique_ptr<KeptMesh> keptMesh_;
 };
 
 class GeomObject : public Object {
@@ -122,11 +138,18 @@ class DerivedObject final : public Object {
   WStr SubAnimName(int i) override;
   void CopyStateFrom(ReferenceTarget& source, RemapDir& remap) override;
 
+  RefResult NotifyRefChanged(const Interval& interval, ReferenceTarget* target, PartID& part, RefMessage message,
+                             bool propagate) override {
+    DropKeptMesh();
+    return REF_SUCCEED;
+  }
+
   // Slots for undo and loading.
   void InsertSlot(int at) { modifiers_.insert(modifiers_.begin() + at, nullptr); }
   void RemoveSlot(int at) { modifiers_.erase(modifiers_.begin() + at); }
 
  protected:
+  MeshKeeping KeepsMesh() const override { return MeshKeeping::ByNode; }
   void SetReference(int which, ReferenceTarget* target) override;
 
  private:

@@ -29,8 +29,13 @@ struct SkinWeights {
   bool operator==(const SkinWeights&) const = default;
 };
 
+/// Empty when the rows fit together, every bone is one of `numBones` and no weight is negative or not finite; else what
+/// is wrong.
+std::string FaultOf(const SkinWeights& weights, int numBones);
+
 /// A point p of the object goes to p * meshBind * sum(w * Inverse(boneBind) * bone) * Inverse(object), with world
-/// matrices: what the weights leave over to 1 stays with the mesh. A bone that was deleted keeps its points at bind.
+/// matrices: what the weights leave over to 1 stays with the mesh; weights of more than 1 together are scaled down
+/// to 1. A bone that was deleted keeps its points at bind. Points without a row of weights stay.
 class SkinModifier final : public Modifier {
  public:
   enum Param : ParamID { kBoneLimit = 0, kEnabled = 1 };
@@ -50,6 +55,7 @@ class SkinModifier final : public Modifier {
   const SkinWeights& GetWeights() const { return *state_.weights; }
 
   /// Undoable, all three. A bone's number is its place in the order of adding; null and double bones are refused (-1).
+  /// So is a bone that hangs on this skin itself, and a matrix that is not finite.
   int AddBone(INode* bone, const Matrix3& bind);
   void SetMeshBindTM(const Matrix3& tm);
   /// Weights of bones that are not there, negative and not finite ones are refused (false).
@@ -60,6 +66,9 @@ class SkinModifier final : public Modifier {
   // References: 0 the block, 1 and on the bones.
   int NumRefs() const override { return 1 + NumBones(); }
   ReferenceTarget* GetReference(int which) const override;
+  std::optional<bool> AcceptsReference(int which, const ReferenceTarget& target) const override;
+  RefResult NotifyRefChanged(const Interval& interval, ReferenceTarget* target, PartID& part, RefMessage message,
+                             bool propagate) override;
   int NumSubs() const override { return 1; }
   Animatable* SubAnim(int i) override { return block_; }
   WStr SubAnimName(int i) override { return L"Parameters"; }
@@ -80,9 +89,13 @@ class SkinModifier final : public Modifier {
   void SetReference(int which, ReferenceTarget* target) override;
 
  private:
+  int MakePalette(TimeValue t, INode* node, Interval& valid);
+
   ParamBlock2* block_ = nullptr;
   std::vector<INode*> bones_;
   State state_;
+  /// meshBind * Inverse(boneBind) of each bone; empty when it has to be made.
+  std::vector<Matrix3> toBones_;
   std::vector<Matrix3> palette_;
 };
 

@@ -2,6 +2,8 @@
 // How long a scene unit is, and which way is up, for exchange with other programs.
 #pragma once
 
+#include <cmath>
+
 namespace corvanta {
 
 /// Scenes are built with Z up; `Y` tells files that go out of the program to stand so.
@@ -13,5 +15,8 @@ struct UnitConfig {
   UpAxis upAxis = UpAxis::Z;
   bool operator==(const UnitConfig&) const = default;
 };
+
+/// Can a unit be so many centimetres long?
+inline bool IsUnitLength(double centimetres) { return std::isfinite(centimetres) && centimetres > 0; }
 
 }  // namespace corvanta

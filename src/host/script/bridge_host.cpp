@@ -48,6 +48,17 @@ void SetRate(const Value& value) {
   GetCOREInterface()->SetFrameRate(static_cast<int>(*rate));
   SetTicksPerFrame(GetCOREInterface()->GetTicksPerFrame());
 }
+void SetSceneUnit(const Value& value) {
+  if (!value.IsNumber() || !IsUnitLength(value.Number()))
+    WrongValue(L"a number of centimeters above 0 for sceneUnit", value);
+  GetScene().units.centimetres = value.Number();
+}
+Value GetUpAxis() { return Value::Name(GetScene().units.upAxis == UpAxis::Y ? L"Y" : L"Z"); }
+void SetUpAxis(const Value& value) {
+  const WStr name = value.IsText() ? ToLower(value.AsText()) : WStr();
+  if (name != L"y" && name != L"z") WrongValue(L"#Y or #Z for sceneUpAxis", value);
+  GetScene().units.upAxis = name == L"y" ? UpAxis::Y : UpAxis::Z;
+}
 void SetAnimateMode(const Value& value) {
   if (!value.Is(Kind::Bool)) WrongValue(L"on or off for animateMode", value);
   value.AsBool() ? AnimateOn() : AnimateOff();
@@ -67,6 +78,8 @@ const GlobalRow kGlobals[] = {
     {L"slidertime", [] { return Value::Time(GetCOREInterface()->GetTime()); }, SetSliderTime},
     {L"animationrange", [] { return Value::Of(GetCOREInterface()->GetAnimRange()); }, SetRange},
     {L"framerate", [] { return Value::Int(GetCOREInterface()->GetFrameRate()); }, SetRate},
+    {L"sceneunit", [] { return Value::Float(GetScene().units.centimetres); }, SetSceneUnit},
+    {L"sceneupaxis", GetUpAxis, SetUpAxis},
     {L"ticksperframe", [] { return Value::Int(GetCOREInterface()->GetTicksPerFrame()); }, nullptr},
     {L"currenttime", [] { return Value::Time(ScriptTime()); }, nullptr},
     {L"animatemode", [] { return Value::Bool(Animating()); }, SetAnimateMode},

@@ -4,6 +4,7 @@
 #include "host/scene/point_helper.h"
 #include "host/view/backdrop.h"
 #include "host/view/draw.h"
+#include "host/view/mesh_display.h"
 
 namespace corvanta {
 namespace {
@@ -80,7 +81,10 @@ void DerivedObject::Display(TimeValue t, INode* node, GraphicsWindow& view) {
   if (display.hidden) return;
   const DrawScope scope(view);
   view.SetTransform(display.tm * view.State().transform);
-  base_->Display(t, node, view);
+  if (KeptMesh* mesh = GetKeptMesh(t, node))
+    DrawMesh(t, node, *mesh, view);
+  else
+    base_->Display(t, node, view);
 }
 
 void PointHelper::Display(TimeValue t, INode*, GraphicsWindow& view) {

@@ -70,4 +70,7 @@ corvanta::ReferenceTarget* CreateControlHelper(bool loading);
 corvanta::ReferenceTarget* CreateRig(bool loading);
 corvanta::ReferenceTarget* CreateRigSystem(bool loading);
 
+// fbx/
+corvanta::ReferenceTarget* CreateTavrilonFBXExporter(bool loading);
+
 }  // namespace tavrilon

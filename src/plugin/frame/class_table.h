@@ -155,7 +155,7 @@ inline constexpr corvanta::ClassDesc kClassTable[kNumClasses] = {
   {L"IKFK Display", L"IKFKDisplayMod", corvanta::kModifierSuper, {0x45596D58, 0x03397FDC}, L"", true, CreateIKFKDisplayMod},
   {L"Animation Layers Local Weights", L"AnimLayersLocalWeights", corvanta::kReferenceTargetSuper, {0x45596D56, 0x1E847B68}, L"Animation", false, nullptr},
   {L"Rotation XYZ", L"Rotation XYZ", corvanta::kRotationControlSuper, {0x45596D56, 0x1E847B74}, L"Animation", true, CreateRotationXYZ},
-  {L"Tavrilon FBX Exporter", L"TavrilonFBXExporter", corvanta::kSceneExportSuper, {0x61A849D3, 0x2E7B530C}, L"", true, nullptr},
+  {L"Tavrilon FBX Exporter", L"TavrilonFBXExporter", corvanta::kSceneExportSuper, {0x61A849D3, 0x2E7B530C}, L"", true, CreateTavrilonFBXExporter},
   {L"Tavrilon FBX Importer", L"TavrilonFBXImporter", corvanta::kSceneImportSuper, {0x5D9B730A, 0x37C248F1}, L"", true, nullptr},
 };
 // clang-format on

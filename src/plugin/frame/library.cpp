@@ -2,6 +2,7 @@
 #include "plugin/frame/library.h"
 
 #include "host/core/notify.h"
+#include "plugin/frame/core_interfaces.h"
 #include "plugin/frame/resource.h"
 #include "plugin/frame/script_primitives.h"
 #include "plugin/frame/tavrilon_interface.h"
@@ -11,6 +12,12 @@ namespace tavrilon {
 using namespace corvanta;
 
 namespace {
+
+using InterfaceGetter = FPInterface& (*)();
+constexpr InterfaceGetter kCoreInterfaces[] = {
+    []() -> FPInterface& { return GetTavrilonInterface(); },
+    FbxExportCoreInterface,
+};
 
 // The panel and the pose kit of the old scene are no longer the current ones.
 void OnSceneReset(void*, NotifyInfo*) { GetTavrilonInterface().Clear(); }
@@ -27,7 +34,10 @@ void OnHostClosing(void*, NotifyInfo*) {
 
 void AttachLibrary(void* moduleHandle) {
   SetModuleHandle(moduleHandle);
-  if (!GetCoreInterface(TavrilonInterface::kId)) RegisterCoreInterface(&GetTavrilonInterface());
+  for (const InterfaceGetter getter : kCoreInterfaces) {
+    FPInterface& interface = getter();
+    if (!GetCoreInterface(interface.GetDesc().id)) RegisterCoreInterface(&interface);
+  }
 }
 
 void InitializeLibrary() {

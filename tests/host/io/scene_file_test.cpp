@@ -269,7 +269,7 @@ TEST_F(SceneFileTest, ErrorsTellWhatIsWrong) {
     const wchar_t* text;
   } rows[] = {
       {"not a scene", 0, 0x50414C46, L"not a scene file"},
-      {"newer format", head, 2, L"newer than this one"},
+      {"newer format", head, 3, L"newer than this one"},
       {"other ticks", head + 8, 4800, L"4800 ticks a second"},
       {"frame rate 0", head + 12, 0, L"frame rate"},
       {"empty range", head + 20, static_cast<uint32_t>(-9999), L"range is empty"},

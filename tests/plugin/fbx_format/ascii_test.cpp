@@ -67,6 +67,8 @@ TEST(FbxAscii, Values) {
               (Forest{{"A", row.values, {}}, {"Next", {int32_t{7}}, {}}}));
     EXPECT_EQ(ReadAscii(S("A: ") + row.text + "{ Child: }"), (Forest{{"A", row.values, {{"Child", {}, {}}}}}));
   }
+  const S zeros(400, '0');
+  EXPECT_EQ(ReadAscii("A: 0." + zeros + "1, 1" + zeros + ".5"), (Forest{{"A", {0.0, kInfinity}, {}}}));
   FbxDocument document;
   ASSERT_TRUE(document.Parse(ToBytes(kHeading + "A: nan, -1.#IND, 1.#QNAN, T"), "f.fbx"));
   for (size_t i = 0; i < 3; ++i) EXPECT_TRUE(std::isnan(document.FirstRecord().Double(i)));
@@ -78,7 +80,8 @@ TEST(FbxAscii, ObjectNamesAreThoseOfBinaryFiles) {
 FBXHeaderExtension: { SceneInfo: "SceneInfo::GlobalInfo", "UserData" { } }
 Documents: { Document: 5, "Scene", "Scene" { } }
 Objects: {
-  Model: 1, "Model::rig::arm|x:y", "LimbNode" { P: "Model::a", "KString", "", "U", "Model::b" }
+  Model: 1, "Model::rig::arm|x:y", "LimbNode" { P: "Model::a", "KString", "", "U", "Model::b"
+    Hint: 5, "c::d" }
   AnimationCurve: 2, "AnimCurve::", "" { }
   Texture: 3, "Texture::skin", "" { TextureName: "Texture::skin"
     FileName: "c::d" }
@@ -91,7 +94,7 @@ Connections: { C: "OO", 1, 0, "Model::a" })";
        {},
        {{"Model",
          {int32_t{1}, S("rig::arm|x:y\0\1Model", 19), S("LimbNode")},
-         {{"P", {S("Model::a"), S("KString"), S(), S("U"), S("Model::b")}, {}}}},
+         {{"P", {S("Model::a"), S("KString"), S(), S("U"), S("Model::b")}, {}}, {"Hint", {int32_t{5}, S("c::d")}, {}}}},
         {"AnimationCurve", {int32_t{2}, S("\0\1AnimCurve", 11), S()}, {}},
         {"Texture",
          {int32_t{3}, S("skin\0\1Texture", 13), S()},
@@ -112,7 +115,8 @@ TEST(FbxAscii, Versions) {
       {"FBXHeaderExtension:  {\n\tFBXVersion: 7300\n}\n", 7300},
       {"\n\n;\nFBXHeaderExtension:  {\n\tFBXVersion: 7300\n}\n", 7300},
       {"; FBX 7.4.0 project file\nFBXHeaderExtension: { FBXVersion: 7500 }", 7500},  // what the record tells holds
-      {"; FBX 7.4.0 project file\nObjects: { A: { FBXVersion: 1 } }", 7400},
+      {"; FBX 7.4.0 project file\nObjects: { FBXVersion: 1 }", 7400},
+      {"; FBX 7.4.0 project file\nA: { FBXHeaderExtension: { FBXVersion: 1 } }", 7400},
   };
   for (const Row& row : rows) {
     FbxDocument document;

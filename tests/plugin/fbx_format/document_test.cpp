@@ -2,6 +2,7 @@
 #include "plugin/fbx/format/document.h"
 
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <cstring>
@@ -197,24 +198,58 @@ TEST(FbxDocument, ConversionsClamp) {
   EXPECT_TRUE(document.GetStatus().IsGood());
 }
 
+/// A file of version 7400 with one record "A" of one array, told to be as the arguments say.
+Bytes FileOfOneArray(char letter, uint32_t count, uint32_t encoding, const Bytes& data) {
+  Bytes array = ToBytes(std::string(1, letter));
+  for (const uint32_t field : {count, encoding, static_cast<uint32_t>(data.size())})
+    for (int shift = 0; shift < 32; shift += 8) array.push_back(static_cast<uint8_t>(field >> shift));
+  array.insert(array.end(), data.begin(), data.end());
+  // A Raw property takes its place: letter and length are cut out, and the lengths told anew.
+  Bytes file = ToBinary({{"A", {array}, {}}}, 7400);
+  file.erase(file.begin() + 41, file.begin() + 46);
+  const auto bytes = static_cast<uint32_t>(array.size()), end = 41 + bytes;
+  std::memcpy(&file[27], &end, sizeof(end));
+  std::memcpy(&file[35], &bytes, sizeof(bytes));
+  return file;
+}
+
+Bytes Deflated(const Bytes& bytes) {
+  Bytes packed(compressBound(bytes.size()));
+  uLongf size = packed.size();
+  EXPECT_EQ(compress2(packed.data(), &size, bytes.data(), bytes.size(), 9), Z_OK);
+  packed.resize(size);
+  return packed;
+}
+
 // Files of other programs hold single bytes under either letter.
 TEST(FbxDocument, BytesUnderEitherLetter) {
-  Bytes file = ToBinary({{"A", {true, std::vector<int32_t>{0x01000100}}, {}}}, 7400);
-  const size_t number = 27 + 13 + 1, array = number + 2;
-  ASSERT_EQ(file[number], 'C');
-  ASSERT_EQ(file[array], 'i');
-  file[number] = 'B';
-  file[array + 1] = 4;  // four bytes instead of one number
   for (const char letter : {'b', 'c'}) {
-    file[array] = static_cast<uint8_t>(letter);
     FbxDocument document;
-    ASSERT_TRUE(document.Parse(file, "f.fbx"));
+    ASSERT_TRUE(document.Parse(FileOfOneArray(letter, 4, 0, {0, 1, 0, 1}), "f.fbx"));
     std::vector<int32_t> values;
-    EXPECT_EQ(document.FirstRecord().Property(0).Type(), PropertyType::Bool);
-    EXPECT_EQ(document.FirstRecord().Int(0), 1);
-    EXPECT_EQ(document.FirstRecord().Property(1).Type(), PropertyType::BoolArray);
-    EXPECT_TRUE(document.FirstRecord().Array(1, values));
+    EXPECT_EQ(document.FirstRecord().Property(0).Type(), PropertyType::BoolArray);
+    EXPECT_TRUE(document.FirstRecord().Array(0, values));
     EXPECT_EQ(values, (std::vector<int32_t>{0, 1, 0, 1}));
+  }
+  Bytes file = ToBinary({{"A", {true}, {}}}, 7400);
+  ASSERT_EQ(file[41], 'C');
+  file[41] = 'B';
+  FbxDocument document;
+  ASSERT_TRUE(document.Parse(file, "f.fbx"));
+  EXPECT_EQ(document.FirstRecord().Property(0).Type(), PropertyType::Bool);
+  EXPECT_EQ(document.FirstRecord().Int(0), 1);
+}
+
+// A sound stream that is shorter or longer than the count tells.
+TEST(FbxDocument, PackedArraysMustHoldTheirCount) {
+  const Bytes packed = Deflated(Bytes(800, 1));
+  for (const uint32_t count : {99u, 100u, 101u}) {
+    FbxDocument document;
+    ASSERT_TRUE(document.Parse(FileOfOneArray('d', count, 1, packed), "f.fbx"));
+    std::vector<double> doubles;
+    std::vector<float> floats;
+    EXPECT_EQ(document.FirstRecord().Array(0, doubles), count == 100);
+    EXPECT_EQ(document.FirstRecord().Array(0, floats), count == 100);
   }
 }
 
@@ -304,6 +339,9 @@ TEST(FbxDocument, DamageIsNamed) {
     const std::string error = ErrorOf(file);
     EXPECT_EQ(error.rfind(row.error, 0), 0u) << row.name << ": " << error;
   }
+  Bytes closed = ToBinary({{"Outer", {}, {{"Inner", {}, {}}, {"Next", {}, {}}}}}, 7400);
+  std::fill_n(closed.begin() + kInner, 13, uint8_t{0});
+  EXPECT_EQ(ErrorOf(closed), "f.fbx: byte 58, Outer: the block is closed before the end of its record, byte 93");
   FbxDocument document;
   EXPECT_FALSE(document.Load(TAVRILON_SOURCE_DIR "/tests/data/fbx"));
   EXPECT_FALSE(document.Load("no such file.fbx"));
@@ -344,11 +382,13 @@ TEST(FbxDocument, BombsAreRefused) {
   while (reads < 1000 && document.Find("A").Array(0, values)) ++reads;
   EXPECT_EQ(reads, (24000 + 100 * four.size()) / 8000);
 
-  // What no stream can hold is refused before anything is reserved for it.
-  Bytes lie = file;
-  const uint32_t count = 0xFFFFFFF0;
-  std::memcpy(&lie[27 + 14 + 1], &count, sizeof(count));
-  EXPECT_NE(ErrorOf(lie).find("A: the array cannot hold 4294967280 values"), std::string::npos);
+  // What no stream can hold is refused before anything is reserved for it; what the best packed stream holds is read.
+  const Bytes zeros = Deflated(Bytes(8000000));
+  EXPECT_LT(zeros.size(), 7800u);
+  ASSERT_TRUE(document.Parse(FileOfOneArray('d', 1000000, 1, zeros), "f.fbx"));
+  EXPECT_TRUE(document.FirstRecord().Array(0, values));
+  EXPECT_NE(ErrorOf(FileOfOneArray('d', 4294967280, 1, zeros)).find("A: the array cannot hold 4294967280 values"),
+            std::string::npos);
 }
 
 TEST(FbxDocument, DepthIsBounded) {

@@ -90,6 +90,8 @@ TEST(FbxDocumentWriter, BlocksEndWithZeros) {
     EXPECT_TRUE(document.Parse(file, "f.fbx"));
     EXPECT_FALSE(document.FirstRecord().FirstChild());
   }
+  const Bytes parent = ToBinary({{"A", {}, {{"B", {}, {}}}}}, 7400);
+  EXPECT_EQ(parent[27], 27 + 2 * (13 + 1) + 13);
 }
 
 /// How the array is packed whose letter stands at `at`.

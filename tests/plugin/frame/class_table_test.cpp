@@ -106,7 +106,6 @@ TEST(ClassTable, NotBuiltYet) {
                                             L"RotationLayers",
                                             L"ScaleLayers",
                                             L"AnimLayersLocalWeights",
-                                            L"TavrilonFBXExporter",
                                             L"TavrilonFBXImporter"};
   std::set<std::wstring> missing;
   for (const ClassDesc& desc : kClassTable)

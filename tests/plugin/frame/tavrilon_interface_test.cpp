@@ -54,8 +54,9 @@ TEST_F(TavrilonInterfaceTest, IsFoundByScripts) {
   EXPECT_EQ(desc.functions.size(), 4u);
   EXPECT_EQ(desc.properties.size(), 5u);
   EXPECT_EQ(desc.FindEnum(0)->values.size(), 5u);
+  const size_t count = CoreInterfaces().size();
   AttachLibrary(GetModuleHandle());
-  EXPECT_EQ(CoreInterfaces().size(), 1u);
+  EXPECT_EQ(CoreInterfaces().size(), count);
 }
 
 // Panel objects lie under a stack of modifiers; their views hear 258.

@@ -6,6 +6,7 @@
 
 #include "host/core/cust_attrib.h"
 #include "host/core/hold.h"
+#include "host/scene/material.h"
 #include "host/scene/node.h"
 
 namespace corvanta {
@@ -39,6 +40,8 @@ bool MayBindToNode(int which, const ReferenceTarget& target) {
       return IsObject(target);
     case 2:
       return IsControl(target, kFloatControlSuper);
+    case 3:
+      return dynamic_cast<const Mtl*>(&target) != nullptr;
     default:
       return false;
   }

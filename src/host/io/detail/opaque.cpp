@@ -2,6 +2,7 @@
 #include "host/io/detail/opaque.h"
 
 #include "host/core/remap.h"
+#include "host/scene/material.h"
 
 namespace corvanta {
 namespace {
@@ -83,6 +84,13 @@ class OpaqueControl final : public Opaque<Control> {
   bool IsLeaf() const override { return NumRefs() == 0; }
 };
 
+/// Grey.
+class OpaqueMtl final : public Opaque<Mtl> {
+ public:
+  using Opaque::Opaque;
+  Colour DisplayColour(TimeValue, int) override { return {0.5f, 0.5f, 0.5f}; }
+};
+
 bool IsControlSuper(SClass_ID super) {
   switch (super) {
     case kFloatControlSuper:
@@ -125,6 +133,10 @@ ReferenceTarget* NewOpaque(OpaqueState state) {
       return new Opaque<Object>(std::move(state));
     case kModifierSuper:
       return new Opaque<Modifier>(std::move(state));
+    case kMaterialSuper:
+      return new OpaqueMtl(std::move(state));
+    case kTextureMapSuper:
+      return new Opaque<Texmap>(std::move(state));
     case kCustAttribSuper:
       return new Opaque<CustAttrib>(std::move(state));
     default:

@@ -189,6 +189,7 @@ class SceneBuilder {
 
   void FinishScene() {
     scene_->time = parsed_.time;
+    scene_->units = parsed_.units;
     for (uint32_t i = 0; i < parsed_.layers.size(); ++i) {
       const LayerEntry& entry = parsed_.layers[i];
       SceneLayer::State& state = LayerAt(parsed_.FirstLayer() + i)->state_;

@@ -17,8 +17,8 @@ namespace corvanta::scene_format {
 
 /// Damaged at once by transfers that change line ends or cut at a zero or at ctrl-Z.
 inline constexpr uint8_t kMagic[8] = {0x89, 'T', 'V', 'S', '\r', '\n', 0x1A, '\n'};
-/// Grows when an older reader would misread a newer file.
-inline constexpr uint32_t kFormat = 1;
+/// Grows when an older reader would misread a newer file. 2 has units, and materials of nodes.
+inline constexpr uint32_t kFormat = 2;
 
 constexpr uint32_t FourLetters(const char (&text)[5]) {
   return static_cast<uint32_t>(text[0]) | static_cast<uint32_t>(text[1]) << 8 | static_cast<uint32_t>(text[2]) << 16 |
@@ -116,6 +116,7 @@ struct ParentEntry {
 struct ParsedScene {
   uint32_t version = 0;
   TimeConfig time;
+  UnitConfig units;
   std::vector<ClassEntry> classes;
   std::vector<NodeEntry> nodes;  // the root first
   std::vector<LayerEntry> layers;

@@ -115,6 +115,7 @@ class SceneParser {
     load.Read(nodes);
     load.Read(layers);
     load.Read(objects);
+    if (format >= 2) ReadUnits(load);
     if (load.Status() != IOResult::OK) return DamagedText(load.ErrorText());
     if (format == 0) return DamagedText("the format number is 0");
     if (ticks != kTicksPerSecond)
@@ -126,6 +127,16 @@ class SceneParser {
     firstLayer_ = uint64_t{1} + nodes;
     endNumber_ = firstLayer_ + layers + 1 + objects;
     return {};
+  }
+
+  void ReadUnits(ILoad& load) {
+    int32_t up = 0;
+    load.Read(out_.units.centimetres);
+    load.Read(up);
+    if (!IsUnitLength(out_.units.centimetres)) load.Fail("the length of the unit is wrong");
+    if (up != static_cast<int32_t>(UpAxis::Y) && up != static_cast<int32_t>(UpAxis::Z))
+      load.Fail("the upward axis is wrong");
+    out_.units.upAxis = static_cast<UpAxis>(up);
   }
 
   void ReadClasses(ILoad& load) {
@@ -241,7 +252,8 @@ class SceneParser {
       NodeEntry& node = out_.nodes.emplace_back();
       ReadNodeState(load, &node);
       ReadLinks(load, &node.links);
-      if (node.links.refs.Count() != 3) load.Fail("a node has not three references");
+      // The material is missing in files of format 1.
+      if (node.links.refs.Count() < 3 || node.links.refs.Count() > 4) load.Fail("a node has not four references");
       // The largest handle is left free, so that there is always a next one.
       const bool usable = node.handle != 0 && node.handle != UINT32_MAX;
       if (!isRoot && (!usable || !handles.insert(node.handle).second))

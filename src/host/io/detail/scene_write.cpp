@@ -203,6 +203,8 @@ class SceneWriter {
     save.Write(static_cast<uint32_t>(index_.Nodes().size()));
     save.Write(static_cast<uint32_t>(index_.Layers().size()));
     save.Write(static_cast<uint32_t>(index_.Objects().size()));
+    save.Write(scene_.units.centimetres);
+    save.Write(static_cast<int32_t>(scene_.units.upAxis));
   }
 
   void WriteClasses(ISave& save) {

@@ -53,18 +53,22 @@ class FbxAnimCurveNode final : public FbxObject {
 
 enum class LayerBlend : int { Additive = 0, Override = 1, OverridePassthrough = 2 };
 
-class FbxAnimLayer final : public FbxObject {
- public:
-  static FbxAnimLayer* Create(FbxScene& scene, std::string name);
+struct LayerValues {
   /// Percent.
   double weight = 100;
-  FbxAnimCurve weightCurve;
   bool mute = false, solo = false;
   LayerBlend blend = LayerBlend::Additive;
   /// Additive rotations: by layer multiply as rotations (0) or add angles (1).
   int rotationAccumulation = 0;
   /// Additive scales: multiply (0) or add (1).
   int scaleAccumulation = 0;
+};
+
+class FbxAnimLayer final : public FbxObject, public LayerValues {
+ public:
+  static FbxAnimLayer* Create(FbxScene& scene, std::string name);
+  /// Takes the place of `weight` unless it is empty.
+  FbxAnimCurve weightCurve;
   std::vector<FbxAnimCurveNode*> curveNodes;
 
  private:
@@ -72,10 +76,13 @@ class FbxAnimLayer final : public FbxObject {
   void Unlink(const FbxObject& gone) override;
 };
 
-class FbxAnimStack final : public FbxObject {
+struct StackTimes {
+  FbxTime localStart, localStop, referenceStart, referenceStop;
+};
+
+class FbxAnimStack final : public FbxObject, public StackTimes {
  public:
   static FbxAnimStack* Create(FbxScene& scene, std::string name);
-  FbxTime localStart, localStop, referenceStart, referenceStop;
   /// Lowest first.
   std::vector<FbxAnimLayer*> layers;
 

@@ -6,6 +6,8 @@
 
 namespace tavrilon::fbx {
 
+struct PropertyLayout;
+
 /// Walks the records once, front to back, without recursion. A record's end must lie behind its beginning and inside
 /// its parent, so no record is met twice.
 class BinaryParser {
@@ -24,7 +26,7 @@ class BinaryParser {
   bool ParseRecord();
   bool ParseProperties(uint64_t count, uint64_t end);
   bool ParseProperty(uint64_t end);
-  bool ParseArray(const struct PropertyLayout& layout, uint64_t end);
+  bool ParseArray(const PropertyLayout& layout, uint64_t end);
   bool CloseBlock();
   uint64_t Field(uint64_t at) const;
   bool Fail(uint64_t at, const std::string& text) const;

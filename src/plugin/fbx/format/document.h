@@ -142,7 +142,8 @@ struct ReadLimits {
   size_t inflatedBytes = size_t{256} << 20;
 };
 
-/// A parsed file. It keeps the file's bytes; arrays stay packed until they are read.
+/// A parsed file. It keeps the file's bytes; arrays stay packed until they are read. Reading an array uses memory of
+/// the document, so a document and its views belong to one thread at a time.
 class FbxDocument {
  public:
   FbxDocument() = default;

@@ -114,6 +114,7 @@ class FbxNode final : public FbxObject {
 
  private:
   friend class FbxScene;
+  friend class SceneReader;
   using FbxObject::FbxObject;
   void Unlink(const FbxObject& gone) override;
   FbxNode* parent_ = nullptr;

@@ -20,9 +20,8 @@ class FbxTexture final : public FbxObject {
   using FbxObject::FbxObject;
 };
 
-class FbxSurfaceMaterial final : public FbxObject {
- public:
-  static FbxSurfaceMaterial* Create(FbxScene& scene, std::string name);
+/// What a material says of itself.
+struct SurfaceValues {
   /// "Lambert", "Phong", or another program's word.
   std::string shadingModel = "Phong";
   Vector3 diffuse{0.8, 0.8, 0.8};
@@ -34,6 +33,11 @@ class FbxSurfaceMaterial final : public FbxObject {
   double shininess = 20;
   double transparencyFactor = 0;
   Vector3 transparentColour{1, 1, 1};
+};
+
+class FbxSurfaceMaterial final : public FbxObject, public SurfaceValues {
+ public:
+  static FbxSurfaceMaterial* Create(FbxScene& scene, std::string name);
 
   /// A texture on a property: "DiffuseColor", "TransparentColor", "Bump", "NormalMap"...
   struct TextureLink {

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+// What we write, as Blender's importer takes it (tests/tools/blender_check tells how). Skipped where there is no
+// Blender.
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "plugin/fbx_readers/character_scene.h"
+
+namespace tavrilon::fbx {
+namespace {
+
+// Blender keeps matrices and poses as floats: a bone some 200 units out, behind five of them, is right to a thousandth.
+constexpr double kLength = 2e-3;
+// Axes of a bone whose length is written with its scale, by the same count.
+constexpr double kAxis = 2e-4;
+
+Affine ToAffine(const QJsonValue& value) {
+  const QJsonArray numbers = value.toArray();
+  Affine m;
+  for (int row = 0; row < 4; ++row) {
+    for (int i = 0; i < 3; ++i) m.row[row][static_cast<size_t>(i)] = numbers[row * 4 + i].toDouble();
+  }
+  return m;
+}
+Vector3 ToVector(const QJsonValue& value) {
+  const QJsonArray v = value.toArray();
+  return {v[0].toDouble(), v[1].toDouble(), v[2].toDouble()};
+}
+
+/// Imports the character in Blender, frames 10 to 34 as it has them.
+QJsonObject Imported(const CharacterScene& made) {
+  std::string folder = (std::filesystem::temp_directory_path() / "fbx_XXXXXX").string();
+  if (!mkdtemp(folder.data())) return {};
+  const std::string file = folder + "/character.fbx", result = folder + "/blender.json";
+  const std::vector<uint8_t> bytes = made.Written();
+  std::ofstream(file, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  const std::string command = TAVRILON_SOURCE_DIR "/tests/tools/blender_check " + file + " 10 34 >" + result;
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  std::ifstream in(result, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(in), {}};
+  std::filesystem::remove_all(folder);
+  return QJsonDocument::fromJson(QByteArray::fromStdString(text)).object();
+}
+
+/// Where the mesh's points stand at a time: shape, then skin.
+std::vector<Vector3> Deformed(const CharacterScene& made, SceneEvaluator& evaluator, FbxTime time) {
+  std::vector<Vector3> shaped = made.mesh->controlPoints;
+  const FbxShape& shape = made.smile->shapes[0];
+  const double share = evaluator.DeformPercent(made.smile, time) / 100;
+  for (size_t i = 0; i < shape.indices.size(); ++i) {
+    Vector3& point = shaped[static_cast<size_t>(shape.indices[i])];
+    point = point + shape.offsets[i] * share;
+  }
+  std::vector<Vector3> points(shaped.size());
+  for (const FbxCluster& cluster : made.mesh->skins[0]->clusters) {
+    const Affine skin = cluster.transform * evaluator.World(cluster.link, time);
+    for (size_t i = 0; i < cluster.indices.size(); ++i) {
+      const auto point = static_cast<size_t>(cluster.indices[i]);
+      points[point] = points[point] + shaped[point] * skin * cluster.weights[i];
+    }
+  }
+  return points;
+}
+
+TEST(BlenderImport, TakesTheCharacterAsItIs) {
+  if (std::system("command -v blender >/dev/null") != 0) GTEST_SKIP() << "no blender here";
+  const CharacterScene made;
+  const QJsonObject read = Imported(made);
+  ASSERT_FALSE(read.isEmpty());
+  EXPECT_EQ(read["frames_a_second"].toDouble(), CharacterScene::kRate);
+
+  const QJsonObject nodes = read["nodes"].toObject();
+  for (const FbxNode* bone : made.bones) {
+    const QJsonObject node = nodes[QString::fromStdString(bone->GetName())].toObject();
+    EXPECT_EQ(node["kind"].toString(), "BONE") << bone->GetName();
+    const bool isTop = bone->GetParent() == made.scene->GetRootNode();
+    EXPECT_EQ(node["parent"].toString().toStdString(), isTop ? "Armature" : bone->GetParent()->GetName());
+  }
+
+  const QJsonObject mesh = read["meshes"].toObject()["Body"].toObject();
+  EXPECT_EQ(static_cast<size_t>(mesh["points"].toArray().size()), made.mesh->controlPoints.size());
+  EXPECT_EQ(mesh["polygons"].toArray().size(), made.mesh->NumPolygons());
+  EXPECT_EQ(mesh["materials"].toArray(), QJsonArray({"Skin", "Cloth"}));
+  EXPECT_EQ(mesh["shapes"].toArray(), QJsonArray({"Smile"}));
+  for (const LayerElement<Vector2>& uv : made.mesh->uvs) {
+    const QJsonArray corners = mesh["uvs"].toObject()[QString::fromStdString(uv.name)].toArray();
+    ASSERT_EQ(static_cast<size_t>(corners.size()), uv.values.size()) << uv.name;
+    for (int i = 0; i < corners.size(); ++i) {
+      EXPECT_NEAR(corners[i].toArray()[0].toDouble(), uv.values[static_cast<size_t>(i)].x, 1e-6);  // floats below 10
+      EXPECT_NEAR(corners[i].toArray()[1].toDouble(), uv.values[static_cast<size_t>(i)].y, 1e-6);
+    }
+  }
+  for (const FbxCluster& cluster : made.mesh->skins[0]->clusters) {
+    const QJsonObject weights = mesh["weights"].toObject()[QString::fromStdString(cluster.name)].toObject();
+    ASSERT_EQ(static_cast<size_t>(weights.size()), cluster.indices.size()) << cluster.name;
+    for (size_t i = 0; i < cluster.indices.size(); ++i) {
+      EXPECT_NEAR(weights[QString::number(cluster.indices[i])].toDouble(), cluster.weights[i], 1e-6);
+    }
+  }
+
+  SceneEvaluator evaluator(*made.scene, made.stack);
+  const QJsonArray frames = read["frames"].toArray();
+  ASSERT_EQ(frames.size(), CharacterScene::kFrames + 1);
+  for (const QJsonValue& value : frames) {
+    const QJsonObject frame = value.toObject();
+    SCOPED_TRACE(frame["frame"].toInt());
+    const FbxTime time = CharacterScene::FrameTime(frame["frame"].toInt());
+    for (const FbxNode* bone : made.bones) {
+      const Affine found = ToAffine(frame["world"].toObject()[QString::fromStdString(bone->GetName())]);
+      const Affine wanted = evaluator.World(bone, time);
+      for (size_t row = 0; row < 3; ++row)
+        EXPECT_LT(Length(found.row[row] - wanted.row[row]), kAxis) << bone->GetName();
+      EXPECT_LT(Length(found.row[3] - wanted.row[3]), kLength) << bone->GetName();
+    }
+    const std::vector<Vector3> points = Deformed(made, evaluator, time);
+    const QJsonArray deformed = frame["deformed"].toObject()["Body"].toArray();
+    for (size_t i = 0; i < points.size(); ++i) {
+      EXPECT_LT(Length(ToVector(deformed[static_cast<int>(i)]) - points[i]), kLength) << i;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tavrilon::fbx

@@ -7,12 +7,14 @@
 #include <filesystem>
 #include <fstream>
 
+#include "host/core/class_desc.h"
 #include "host/io/atomic_file.h"
 #include "host/io/scene_file.h"
 #include "host/scene/core_interface.h"
 #include "plugin/fbx/fbx_export.h"
 #include "plugin/fbx/fbx_import.h"
 #include "plugin/fbx_readers/assimp_scene.h"
+#include "plugin/frame/class_table.h"
 
 namespace tavrilon::fbx {
 namespace {
@@ -73,6 +75,8 @@ std::string ParentName(const AssimpFile& file, int node) {
 class ReadersRoundTrip : public testing::TestWithParam<RoundTrip> {
  protected:
   void SetUp() override {
+    corvanta::RegisterHostClasses();
+    RegisterTavrilonClasses();
     const std::string path = std::string(TAVRILON_SOURCE_DIR "/tests/data/fbx/") + GetParam().file;
     ASSERT_TRUE(before_.Read(Bytes(path))) << before_.error;
     ASSERT_TRUE(after_.Read(ThereAndBack(path))) << after_.error;

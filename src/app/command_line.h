@@ -71,5 +71,8 @@ void AddEvalCommand(CommandLine& line);
 void AddBuildCommand(CommandLine& line);
 void AddInfoCommand(CommandLine& line);
 void AddShotCommand(CommandLine& line);
+void AddImportCommand(CommandLine& line);
+void AddExportCommand(CommandLine& line);
+void AddFbxCommand(CommandLine& line);
 
 }  // namespace app

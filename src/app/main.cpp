@@ -13,6 +13,9 @@ int main(int argc, char** argv) {
   app::AddBuildCommand(line);
   app::AddInfoCommand(line);
   app::AddShotCommand(line);
+  app::AddImportCommand(line);
+  app::AddExportCommand(line);
+  app::AddFbxCommand(line);
   return line.Run(argc, argv, [&line] {
     std::fprintf(stderr, "%s\n", line.Help().c_str());
     return app::Fail("the stage, the program's window, is not available in this build; name a subcommand");

@@ -323,8 +323,8 @@ TEST(Subdivide, CountsAndFormsStay) {
   }
 }
 
-// One level of a cube by hand: a corner goes to (F + 2 R) / 3, with F at 2/3 and R at 5/6 of the half size from the
-// middle... in the cube of half size 1 that is (1/3 of the way (1/3,1/3,1/3) + 2 (2/3,2/3,2/3)) / 3 = 5/9.
+// One level by hand, for a cube from -1 to 1. A corner goes to (F + 2 R + 0 P) / 3, where its sides' middles have the
+// mean F = (1/3,1/3,1/3) and its edges' middles R = (2/3,2/3,2/3): to (5/9,5/9,5/9).
 TEST(Subdivide, CubeByHand) {
   Mesh cube = Cube(2);
   for (Point3& p : cube.points) p -= {1, 1, 1};

@@ -47,7 +47,8 @@ TEST_F(ImportNodes, KindsNamesAndProperties) {
               row.parent < 0 ? GetScene().GetRootNode() : nodes[static_cast<size_t>(row.parent)].Get());
     EXPECT_TRUE(node.GetBaseObject()->ClassID() == row.object);
     EXPECT_TRUE(node.Selected());
-    if (row.length > 0) EXPECT_EQ(node.GetBaseObject()->GetParamBlock()->GetFloat(BoneObject::kLength), row.length);
+    if (row.length == 0) continue;
+    EXPECT_EQ(node.GetBaseObject()->GetParamBlock()->GetFloat(BoneObject::kLength), row.length);
   }
   EXPECT_EQ(nodes[0]->GetWireColor(), 0xFF8000u);
   EXPECT_TRUE(nodes[3]->IsHidden());
@@ -219,8 +220,9 @@ TEST_F(ImportNodes, HostileNumbersAreBoundedAndTold) {
   FbxImportOptions options;
   options.limits.maxFrames = 50;
   ASSERT_TRUE(Import(*scene, options)) << Log();
-  for (const wchar_t* part : {L"not finite", L"less than three corners", L"Skin clusters without a bone: body/no bone",
-                              L"cannot be undone", L"Skin weights", L"blend shapes", L"it is cut"})
+  for (const wchar_t* part :
+       {L"not finite", L"less than three corners", L"Skin clusters without a bone are left out: body/no bone",
+        L"cannot be undone", L"Skin weights", L"blend shapes", L"it is cut"})
     EXPECT_TRUE(IsLogged(part)) << ToUtf8(part) << " in " << Log();
   EXPECT_EQ(GetScene().time.range, (Interval{0, 49 * 200}));
   const std::vector<uint8_t> saved = SavedBytes();

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+// Characters of other programs: their nodes, and their points under the skin, against sums in double precision.
+#include "host/scene/mesh_object.h"
+#include "host/scene/skin_modifier.h"
+#include "import_scenes_test.h"
+#include "plugin/fbx/format/sdk.h"
+#include "plugin/fbx/importer/file_time.h"
+
+namespace tavrilon::import_test {
+namespace {
+
+using namespace fbx;
+
+const char* const kFiles[] = {"character_skinned.fbx", "mixamo_walk.fbx"};
+
+std::string PathOf(const std::string& name) { return std::string(TAVRILON_SOURCE_DIR) + "/tests/data/fbx/" + name; }
+
+std::unique_ptr<FbxScene> Read(const std::string& name) {
+  const auto manager = FbxManager::Create();
+  const auto importer = FbxImporter::Create(*manager, "reader");
+  auto scene = FbxScene::Create("twin");
+  EXPECT_TRUE(importer->Initialize(PathOf(name)) && importer->Import(*scene)) << importer->GetStatus().GetErrorString();
+  return scene;
+}
+
+class ImportFiles : public ImportTest {
+ protected:
+  /// The file's own scene beside the host's, in its own axes and unit.
+  void Open(const std::string& name) {
+    ReplaceScene(std::make_unique<Scene>());
+    twin_ = Read(name);
+    ASSERT_TRUE(ImportFbx(FromUtf8(PathOf(name)), {}, report)) << Log();
+    turn_ = twin_->GetGlobalSettings().GetAxisSystem().ConversionTo(FbxAxisSystem::ZUp());
+    unit_ = twin_->GetGlobalSettings().GetSystemUnit().centimetres;
+    evaluator_ = std::make_unique<SceneEvaluator>(*twin_, twin_->CurrentStack());
+    const Interval range = GetScene().time.range;
+    for (TimeValue t = range.start; t <= range.end; t += 6000 / GetScene().time.frameRate) times_.push_back(t);
+  }
+  void TearDown() override {
+    evaluator_.reset();
+    ImportTest::TearDown();
+  }
+
+  Affine Converted(Affine m) const {
+    m = m * turn_;
+    m.row[3] = m.row[3] * unit_;
+    return m;
+  }
+  Affine World(const FbxNode* node, TimeValue t) {
+    return Converted(evaluator_->World(node, fbx_import::FileTimeOf(t)));
+  }
+  static INode* Host(const FbxNode& node) { return GetScene().GetINodeByName(FromUtf8(node.GetName())); }
+
+  template <class F>
+  void ForEachSkin(F&& f) {
+    for (const FbxNode* node : twin_->Nodes()) {
+      const auto* mesh = dynamic_cast<const FbxMesh*>(node->GetNodeAttribute());
+      if (mesh && !mesh->skins.empty()) f(*node, *mesh, *Host(*node));
+    }
+  }
+
+  /// Control points with blend shapes of one target each.
+  std::vector<Vector3> MorphedPoints(const FbxMesh& mesh, TimeValue t) {
+    std::vector<Vector3> points = mesh.controlPoints;
+    for (const FbxBlendShape* blend : mesh.blendShapes) {
+      for (const FbxBlendShapeChannel* channel : blend->channels) {
+        EXPECT_EQ(channel->shapes.size(), 1u);
+        const double share = evaluator_->DeformPercent(channel, fbx_import::FileTimeOf(t)) / 100;
+        const FbxShape& shape = channel->shapes[0];
+        for (size_t i = 0; i < shape.indices.size(); ++i) {
+          Vector3& point = points[static_cast<size_t>(shape.indices[i])];
+          point = point + shape.offsets[i] * share;
+        }
+      }
+    }
+    return points;
+  }
+
+  /// Linear blend skinning by the file's own clusters.
+  std::vector<Vector3> SkinnedPoints(const FbxNode& node, const FbxMesh& mesh, TimeValue t) {
+    const std::vector<Vector3> points = MorphedPoints(mesh, t);
+    std::vector<Vector3> sums(mesh.controlPoints.size());
+    std::vector<double> weights(sums.size());
+    for (const FbxCluster& cluster : mesh.skins[0]->clusters) {
+      const Affine bind = GeometricMatrix(node.transform) * cluster.transform;  // to the bone's space
+      const Affine moved = bind * evaluator_->World(cluster.link, fbx_import::FileTimeOf(t));
+      for (size_t i = 0; i < cluster.indices.size(); ++i) {
+        const auto point = static_cast<size_t>(cluster.indices[i]);
+        sums[point] = sums[point] + (points[point] * moved) * cluster.weights[i];
+        weights[point] += cluster.weights[i];
+      }
+    }
+    for (size_t i = 0; i < sums.size(); ++i) {
+      EXPECT_GT(weights[i], 0.5);
+      sums[i] = (sums[i] * (1 / weights[i])) * turn_ * unit_;
+    }
+    return sums;
+  }
+
+  std::unique_ptr<FbxScene> twin_;
+  std::unique_ptr<SceneEvaluator> evaluator_;
+  std::vector<TimeValue> times_;
+  Affine turn_;
+  double unit_ = 1;
+};
+
+double FarthestPoint(INode& node, TimeValue t, const std::vector<Vector3>& expected) {
+  const MeshState* state = EvaluatedMesh(&node, t);
+  if (!state || state->points.size() != expected.size()) return 1e30;
+  const Affine tm = ToAffine(node.GetObjectTM(t));
+  double farthest = 0;
+  for (size_t i = 0; i < expected.size(); ++i) {
+    const Point3& p = state->points[i];
+    farthest = std::max(farthest, Length(Vector3{p.x, p.y, p.z} * tm - expected[i]));
+  }
+  return farthest;
+}
+
+// 0.1 mm and 0.01 degree, as for any figure of human size.
+TEST_F(ImportFiles, EveryNodeOnEveryFrame) {
+  for (const char* file : kFiles) {
+    SCOPED_TRACE(file);
+    Open(file);
+    Distance worst;
+    for (const TimeValue t : times_) {
+      for (const FbxNode* node : twin_->Nodes()) {
+        ASSERT_TRUE(Host(*node)) << node->GetName();
+        const Distance d = DistanceOf(ToAffine(Host(*node)->GetNodeTM(t)), World(node, t));
+        worst.place = std::max(worst.place, d.place);
+        worst.degrees = std::max(worst.degrees, d.degrees);
+      }
+    }
+    EXPECT_LT(worst.place, 0.01);
+    EXPECT_LT(worst.degrees, 0.01);
+  }
+}
+
+TEST_F(ImportFiles, SkinnedPointsOnFrames) {
+  for (const char* file : kFiles) {
+    SCOPED_TRACE(file);
+    Open(file);
+    int skins = 0;
+    ForEachSkin([&](const FbxNode& node, const FbxMesh& mesh, INode& host) {
+      ++skins;
+      for (size_t i = 0; i < times_.size(); i += 1 + times_.size() / 5) {
+        // What the bones may be off, and a skin's single precision.
+        EXPECT_LT(FarthestPoint(host, times_[i], SkinnedPoints(node, mesh, times_[i])), 0.015) << node.GetName();
+      }
+    });
+    EXPECT_GT(skins, 0);
+  }
+}
+
+// With its bones where they were at bind a skin leaves the mesh as it is.
+TEST_F(ImportFiles, BonesAtBindLeaveTheMeshAsItIs) {
+  for (const char* file : kFiles) {
+    SCOPED_TRACE(file);
+    Open(file);
+    ForEachSkin([&](const FbxNode& node, const FbxMesh& mesh, INode& host) {
+      const auto* skin = dynamic_cast<const SkinModifier*>(host.Modifiers()[0]);
+      ASSERT_TRUE(skin);
+      for (int i = 0; i < skin->NumBones(); ++i) {
+        // Transforms of their own, so that the order of bones does not matter.
+        GetScene().GetRootNode()->AttachChild(skin->GetBone(i), false);
+        skin->GetBone(i)->SetTMController(NewDefaultMatrix3Controller());
+      }
+      for (int i = 0; i < skin->NumBones(); ++i) skin->GetBone(i)->SetNodeTM(0, skin->GetBoneBindTM(i));
+      const FbxCluster& first = mesh.skins[0]->clusters[0];
+      const Affine bind = Converted(GeometricMatrix(node.transform) * first.transform * first.transformLink);
+      EXPECT_LT(DistanceOf(ToAffine(skin->GetMeshBindTM()), bind).place, 1e-4);  // single precision
+      std::vector<Vector3> expected;
+      for (const Vector3& point : MorphedPoints(mesh, 0))
+        expected.push_back((point * unit_) * ToAffine(skin->GetMeshBindTM()));
+      EXPECT_LT(FarthestPoint(host, 0, expected), 1e-3) << node.GetName();  // single precision
+    });
+  }
+}
+
+TEST_F(ImportFiles, FewerKeysThanFrames) {
+  Open("mixamo_walk.fbx");
+  size_t keys = 0, tracks = 0;
+  for (const Ref<INode>& node : GetScene().Nodes()) {
+    Control* rotation = node->GetTMController()->GetRotationController();
+    for (Control* track : {rotation->GetXController(), rotation->GetYController(), rotation->GetZController()}) {
+      const auto n = static_cast<size_t>(track->NumKeys());
+      keys += n;
+      tracks += n > 0;
+    }
+  }
+  EXPECT_GT(tracks, 20u);
+  EXPECT_LT(keys, tracks * times_.size() / 2);
+}
+
+TEST_F(ImportFiles, FilesThatCannotBeReadSayWhy) {
+  struct Row {
+    std::wstring file;
+    const wchar_t* error;
+  };
+  const Row kRows[] = {
+      {L"", L"Invalid input filename."},
+      {FromUtf8(PathOf("nowhere.fbx")), L"nowhere.fbx"},
+      {FromUtf8(PathOf("../../README.md")), L"README.md"},
+  };
+  const std::vector<uint8_t> before = SavedBytes();
+  for (const Row& row : kRows) {
+    EXPECT_FALSE(ImportFbx(row.file, {}, report));
+    EXPECT_NE(report.error.find(row.error), WStr::npos) << Log();
+    EXPECT_TRUE(SavedBytes() == before);
+  }
+}
+
+}  // namespace
+}  // namespace tavrilon::import_test

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: MIT
+// Files into the scene and out again, compared by a reader that is not ours: the file that came in against the file
+// that went out.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+
+#include "host/core/class_desc.h"
+#include "host/io/atomic_file.h"
+#include "host/io/scene_file.h"
+#include "host/scene/core_interface.h"
+#include "plugin/fbx/fbx_export.h"
+#include "plugin/fbx/fbx_import.h"
+#include "plugin/fbx/format/sdk.h"
+#include "plugin/fbx_readers/assimp_scene.h"
+#include "plugin/frame/class_table.h"
+
+namespace tavrilon::fbx {
+namespace {
+
+using corvanta::FromUtf8;
+using corvanta::GetScene;
+using corvanta::ToUtf8;
+
+// A tenth of a millimetre, in centimetres, and a hundredth of a degree: what a figure of two metres may be off after
+// both ways, single-precision world matrices and fitted keys included.
+constexpr double kLength = 0.01;
+constexpr double kAngle = 0.01 * kDegreesToRadians;
+
+struct RoundTrip {
+  const char* file;
+  double seconds;  // how long the motion is looked at
+};
+const RoundTrip kFiles[] = {{"character_skinned.fbx", 0}, {"mixamo_walk.fbx", 1.0}};
+
+std::vector<uint8_t> Bytes(const std::string& path) {
+  corvanta::FileContents contents = corvanta::ReadWholeFile(FromUtf8(path), size_t{1} << 28);
+  EXPECT_TRUE(contents.error.empty()) << ToUtf8(contents.error);
+  return contents.bytes;
+}
+
+// In and out again, standing as the file stood.
+std::vector<uint8_t> ThereAndBack(const std::string& path) {
+  EXPECT_TRUE(corvanta::ResetScene());
+  corvanta::ExchangeReport report;
+  EXPECT_TRUE(ImportFbx(FromUtf8(path), {}, report)) << ToUtf8(report.error);
+  GetScene().units.upAxis = corvanta::UpAxis::Y;
+  std::vector<corvanta::INode*> nodes;
+  for (const auto& node : GetScene().Nodes()) nodes.push_back(node.Get());
+  std::string folder = (std::filesystem::temp_directory_path() / "fbx_XXXXXX").string();
+  if (!mkdtemp(folder.data())) return {};
+  const std::string out = folder + "/out.fbx";
+  EXPECT_TRUE(ExportFbx(nodes, FromUtf8(out), {}, report)) << ToUtf8(report.error);
+  std::vector<uint8_t> bytes = Bytes(out);
+  std::filesystem::remove_all(folder);
+  return bytes;
+}
+
+// The angle between the unit axes of two matrices, the largest of three.
+double AngleBetween(const Affine& a, const Affine& b) {
+  double largest = 0;
+  for (int i = 0; i < 3; ++i) {
+    const Vector3 u = a.row[i] * (1 / Length(a.row[i])), v = b.row[i] * (1 / Length(b.row[i]));
+    largest = std::max(largest, std::atan2(Length(Cross(u, v)), Dot(u, v)));
+  }
+  return largest;
+}
+
+std::string ParentName(const AssimpFile& file, int node) {
+  const int parent = file.nodes[static_cast<size_t>(node)].parent;
+  return parent <= 0 ? "" : file.nodes[static_cast<size_t>(parent)].name;
+}
+
+class ReadersRoundTrip : public testing::TestWithParam<RoundTrip> {
+ protected:
+  void SetUp() override {
+    corvanta::RegisterHostClasses();
+    RegisterTavrilonClasses();
+    const std::string path = std::string(TAVRILON_SOURCE_DIR "/tests/data/fbx/") + GetParam().file;
+    fileBefore_ = Bytes(path);
+    fileAfter_ = ThereAndBack(path);
+    ASSERT_TRUE(before_.Read(fileBefore_)) << before_.error;
+    ASSERT_TRUE(after_.Read(fileAfter_)) << after_.error;
+  }
+  std::vector<uint8_t> fileBefore_, fileAfter_;
+  AssimpFile before_, after_;
+};
+
+TEST_P(ReadersRoundTrip, KeepsTheHierarchy) {
+  EXPECT_EQ(before_.nodes.size(), after_.nodes.size());
+  for (size_t i = 1; i < before_.nodes.size(); ++i) {
+    const std::string& name = before_.nodes[i].name;
+    const int other = after_.Find(name);
+    ASSERT_GE(other, 0) << name << " is lost";
+    EXPECT_EQ(ParentName(before_, static_cast<int>(i)), ParentName(after_, other)) << name;
+  }
+}
+
+TEST_P(ReadersRoundTrip, KeepsEveryFrame) {
+  double furthest = 0, widest = 0;
+  for (double seconds = 0; seconds <= GetParam().seconds; seconds += 1.0 / 30) {
+    for (size_t i = 1; i < before_.nodes.size(); ++i) {
+      const std::string& name = before_.nodes[i].name;
+      // The points of a mesh carry what stood between them and their node, and are compared by themselves.
+      if (!before_.nodes[i].meshes.empty()) continue;
+      const Affine a = before_.World(static_cast<int>(i), seconds), b = after_.World(after_.Find(name), seconds);
+      furthest = std::max(furthest, Length(a.row[3] - b.row[3]));
+      widest = std::max(widest, AngleBetween(a, b));
+      ASSERT_LT(Length(a.row[3] - b.row[3]), kLength) << name << " at " << seconds;
+      ASSERT_LT(AngleBetween(a, b), kAngle) << name << " at " << seconds;
+    }
+  }
+  RecordProperty("furthest_cm", std::to_string(furthest));
+  RecordProperty("widest_degrees", std::to_string(widest / kDegreesToRadians));
+}
+
+TEST_P(ReadersRoundTrip, KeepsMeshes) {
+  ASSERT_EQ(before_.meshes.size(), after_.meshes.size());
+  ASSERT_GT(before_.meshes.size(), 0u);
+  for (size_t i = 0; i < before_.meshes.size(); ++i) {
+    const AssimpMesh &a = before_.meshes[i], &b = after_.meshes[i];
+    EXPECT_EQ(a.material, b.material);
+    EXPECT_EQ(a.polygonSizes, b.polygonSizes);
+    ASSERT_EQ(a.points.size(), b.points.size());
+    ASSERT_EQ(a.uvs.size(), b.uvs.size());
+    for (size_t set = 0; set < a.uvs.size(); ++set) {
+      for (size_t corner = 0; corner < a.uvs[set].size(); ++corner) {
+        // Floats below 2.
+        ASSERT_NEAR(a.uvs[set][corner].x, b.uvs[set][corner].x, 1e-6);
+        ASSERT_NEAR(a.uvs[set][corner].y, b.uvs[set][corner].y, 1e-6);
+      }
+    }
+    ASSERT_EQ(a.shapes.size(), b.shapes.size());
+    for (const auto& [name, points] : a.shapes) {
+      ASSERT_TRUE(b.shapes.count(name)) << name;
+      // Offsets below a millionth of a unit are left out, and both are floats of some 100 units.
+      for (size_t c = 0; c < points.size(); ++c)
+        ASSERT_LT(Length((points[c] - a.points[c]) - (b.shapes.at(name)[c] - b.points[c])), 1e-4) << name;
+    }
+  }
+}
+
+TEST_P(ReadersRoundTrip, KeepsWeights) {
+  for (size_t i = 0; i < before_.meshes.size(); ++i) {
+    const AssimpMesh &a = before_.meshes[i], &b = after_.meshes[i];
+    for (const auto& [bone, weights] : a.weights) {
+      ASSERT_TRUE(b.weights.count(bone) || weights.empty()) << bone;
+      for (const auto& [corner, weight] : weights) {
+        const auto& others = b.weights.at(bone);
+        const auto found = others.find(corner);
+        ASSERT_NEAR(weight, found == others.end() ? 0 : found->second, 1e-4) << bone << " at corner " << corner;
+      }
+    }
+  }
+}
+
+// Nodes of meshes may stand elsewhere as long as their points do not.
+TEST_P(ReadersRoundTrip, KeepsPointsInTheWorld) {
+  for (size_t n = 1; n < before_.nodes.size(); ++n) {
+    const AssimpNode& a = before_.nodes[n];
+    if (a.meshes.empty()) continue;
+    const int other = after_.Find(a.name);
+    ASSERT_GE(other, 0) << a.name;
+    const AssimpNode& b = after_.nodes[static_cast<size_t>(other)];
+    ASSERT_EQ(a.meshes.size(), b.meshes.size()) << a.name;
+    const Affine worldA = before_.World(static_cast<int>(n), 0), worldB = after_.World(other, 0);
+    for (size_t part = 0; part < a.meshes.size(); ++part) {
+      const std::vector<Vector3>& pointsA = before_.meshes[static_cast<size_t>(a.meshes[part])].points;
+      const std::vector<Vector3>& pointsB = after_.meshes[static_cast<size_t>(b.meshes[part])].points;
+      ASSERT_EQ(pointsA.size(), pointsB.size());
+      for (size_t c = 0; c < pointsA.size(); ++c)
+        ASSERT_LT(Length(pointsA[c] * worldA - pointsB[c] * worldB), kLength) << a.name << " corner " << c;
+    }
+  }
+}
+
+// Where points stand at bind: a mesh's points, by its skin's matrices, in the world of the bones.
+TEST_P(ReadersRoundTrip, KeepsBinds) {
+  for (size_t i = 0; i < before_.meshes.size(); ++i) {
+    const AssimpMesh &a = before_.meshes[i], &b = after_.meshes[i];
+    for (const auto& [bone, offset] : a.offsets) {
+      ASSERT_TRUE(b.offsets.count(bone)) << bone;
+      for (size_t c = 0; c < a.points.size(); c += 97)
+        ASSERT_LT(Length(a.points[c] * offset - b.points[c] * b.offsets.at(bone)), kLength) << bone;
+    }
+  }
+}
+
+std::map<std::string, Affine> BindsOf(const std::vector<uint8_t>& bytes) {
+  std::map<std::string, Affine> binds;
+  const auto manager = FbxManager::Create();
+  const auto importer = FbxImporter::Create(*manager, "FBX Importer");
+  const auto scene = FbxScene::Create("Import");
+  EXPECT_TRUE(importer->Initialize(bytes, "binds.fbx") && importer->Import(*scene));
+  for (const FbxNode* node : scene->Nodes()) {
+    const auto* mesh = dynamic_cast<const FbxMesh*>(node->GetNodeAttribute());
+    if (!mesh) continue;
+    for (const FbxSkin* skin : mesh->skins)
+      for (const FbxCluster& cluster : skin->clusters) binds[cluster.link->GetName()] = cluster.transformLink;
+  }
+  return binds;
+}
+
+// Bones stand at bind where the file said: readers take it for the rest pose.
+TEST_P(ReadersRoundTrip, KeepsBindsInTheWorld) {
+  const std::map<std::string, Affine> before = BindsOf(fileBefore_), after = BindsOf(fileAfter_);
+  ASSERT_GT(before.size(), 50u);
+  for (const auto& [bone, bind] : before) {
+    ASSERT_TRUE(after.count(bone)) << bone;
+    EXPECT_LT(Length(bind.row[3] - after.at(bone).row[3]), kLength) << bone;
+    EXPECT_LT(AngleBetween(bind, after.at(bone)), kAngle) << bone;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, ReadersRoundTrip, testing::ValuesIn(kFiles),
+                         [](const auto& info) { return std::filesystem::path(info.param.file).stem().string(); });
+
+}  // namespace
+}  // namespace tavrilon::fbx

@@ -26,4 +26,22 @@ Affine FbxAxisSystem::ConversionTo(const FbxAxisSystem& to) const {
   return m;
 }
 
+bool FbxAxisSystem::ConvertScene(FbxScene& scene) const {
+  FbxGlobalSettings& settings = scene.GetGlobalSettings();
+  if (!IsSound() || !settings.GetAxisSystem().IsSound()) return false;
+  const Affine turn = settings.GetAxisSystem().ConversionTo(*this);
+  scene.topConversion = scene.topConversion * turn;
+  for (FbxPose* pose : scene.Poses()) {
+    for (FbxPose::Entry& entry : pose->entries) entry.matrix = entry.matrix * turn;
+  }
+  for (const std::unique_ptr<FbxObject>& object : scene.Objects()) {
+    auto* skin = dynamic_cast<FbxSkin*>(object.get());
+    if (!skin) continue;
+    // A cluster's other matrix leads from mesh to bone, which both turn.
+    for (FbxCluster& cluster : skin->clusters) cluster.transformLink = cluster.transformLink * turn;
+  }
+  settings.SetAxisSystem(*this);
+  return true;
+}
+
 }  // namespace tavrilon::fbx

@@ -25,17 +25,19 @@ struct FbxAxisSystem {
   bool IsSound() const;
   /// From this system to `to`, for row vectors: a rotation, or with a mirroring when one is left-handed.
   Affine ConversionTo(const FbxAxisSystem& to) const;
-  /// Turns the top nodes of `scene` (transforms and curves stay local; see FbxScene::topConversion) and sets its axis
-  /// system. False for an unsound system.
+  /// Turns the top nodes of `scene` (transforms and curves stay local; see FbxScene::topConversion) and the world
+  /// matrices of its poses and clusters, and sets its axis system. False, and nothing changes, for an unsound system.
   bool ConvertScene(FbxScene& scene) const;
 };
 
 /// Length of a unit in centimetres.
 struct FbxSystemUnit {
   double centimetres = 1;
+  /// For display alone.
   double multiplier = 1;
   bool operator==(const FbxSystemUnit&) const = default;
-  /// Scales every length in `scene` (translations and their curves, pivots, offsets, points, shapes, binds).
+  /// Scales every length in `scene` (translations and their curves, pivots, offsets, points, shapes, binds, sizes of
+  /// nulls and bones) and sets its unit. False, and nothing changes, for a length that is not above 0.
   bool ConvertScene(FbxScene& scene) const;
 };
 

@@ -31,7 +31,7 @@ std::vector<uint8_t> Written(const FbxScene& scene, int format = 0, const FbxIOS
 std::unique_ptr<FbxScene> ReadBack(std::vector<uint8_t> bytes) {
   const std::unique_ptr<FbxManager> manager = FbxManager::Create();
   const std::unique_ptr<FbxImporter> importer = FbxImporter::Create(*manager, "test");
-  std::unique_ptr<FbxScene> scene = FbxScene::Create("read");
+  std::unique_ptr<FbxScene> scene = FbxScene::Create("Random");
   EXPECT_TRUE(importer->Initialize(std::move(bytes), "test.fbx") && importer->Import(*scene))
       << importer->GetStatus().GetErrorString();
   return scene;

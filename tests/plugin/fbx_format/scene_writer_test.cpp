@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Whole scenes written and read back, and what a file says of them on the way.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -308,6 +310,36 @@ TEST(FbxExporter, WritesWholeFilesOrNone) {
   EXPECT_TRUE(std::filesystem::is_symlink(folder.path / "link.fbx"));
   EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(file).permissions()), 0640u);
   EXPECT_EQ(folder.NumFiles(), 2u) << "no temporary file stays";
+}
+
+/// No file may grow beyond `bytes` while it lives, as on a full disk.
+struct FileSizeLimit {
+  rlimit before{};
+  void (*handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+  explicit FileSizeLimit(rlim_t bytes) {
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit limit{bytes, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+  }
+};
+
+TEST(FbxExporter, AFullDiskLeavesTheOldFile) {
+  const Folder folder;
+  const std::filesystem::path file = folder.path / "walk.fbx";
+  SmallScene small;
+  ASSERT_EQ(Exported(*small.scene, file), "");
+  const std::vector<uint8_t> before = Content(file);
+  small.node->SetName("Torso");
+  {
+    const FileSizeLimit limit(1000);
+    EXPECT_EQ(Exported(*small.scene, file), file.string() + ": cannot be written: File too large");
+  }
+  EXPECT_TRUE(Content(file) == before);
+  EXPECT_EQ(folder.NumFiles(), 1u) << "no temporary file stays";
 }
 
 TEST(FbxExporter, TellsWhyAFileCannotBeWritten) {

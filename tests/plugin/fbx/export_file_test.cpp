@@ -77,7 +77,9 @@ TEST_F(ExportFile, BipedInMotionStandsWhereItStands) {
     // No size moves in this figure; what its matrices' rounding adds must not cost a key a sample.
     for (const FbxAnimCurveNode* node : scene->Stacks()[0]->layers[0]->curveNodes)
       for (const FbxAnimCurve& curve : node->curves)
-        if (node->GetName() == "S") EXPECT_EQ(curve.values, std::vector<float>{1}) << node->target->GetName();
+        if (node->GetName() == "S") {
+          EXPECT_EQ(curve.values, std::vector<float>{1}) << node->target->GetName();
+        }
   }
 }
 

@@ -174,7 +174,7 @@ bool SceneReader::FinishCurves() {
                                      [curves](const AnimatedProperty& row) { return row.name == curves->property; });
     if (!node || known == std::end(kAnimated)) {
       if (curves->target) {
-        scene_.Log().Note("Animation of other properties than movement and shapes",
+        scene_.Log().Note("Animation of other properties than movement and shapes is left out",
                           curves->target->GetName() + "." + curves->property);
       }
       continue;

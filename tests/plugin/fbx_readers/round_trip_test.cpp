@@ -13,6 +13,7 @@
 #include "host/scene/core_interface.h"
 #include "plugin/fbx/fbx_export.h"
 #include "plugin/fbx/fbx_import.h"
+#include "plugin/fbx/format/sdk.h"
 #include "plugin/fbx_readers/assimp_scene.h"
 #include "plugin/frame/class_table.h"
 
@@ -78,9 +79,12 @@ class ReadersRoundTrip : public testing::TestWithParam<RoundTrip> {
     corvanta::RegisterHostClasses();
     RegisterTavrilonClasses();
     const std::string path = std::string(TAVRILON_SOURCE_DIR "/tests/data/fbx/") + GetParam().file;
-    ASSERT_TRUE(before_.Read(Bytes(path))) << before_.error;
-    ASSERT_TRUE(after_.Read(ThereAndBack(path))) << after_.error;
+    fileBefore_ = Bytes(path);
+    fileAfter_ = ThereAndBack(path);
+    ASSERT_TRUE(before_.Read(fileBefore_)) << before_.error;
+    ASSERT_TRUE(after_.Read(fileAfter_)) << after_.error;
   }
+  std::vector<uint8_t> fileBefore_, fileAfter_;
   AssimpFile before_, after_;
 };
 
@@ -152,6 +156,26 @@ TEST_P(ReadersRoundTrip, KeepsWeights) {
   }
 }
 
+// Nodes of meshes may stand elsewhere as long as their points do not.
+TEST_P(ReadersRoundTrip, KeepsPointsInTheWorld) {
+  for (size_t n = 1; n < before_.nodes.size(); ++n) {
+    const AssimpNode& a = before_.nodes[n];
+    if (a.meshes.empty()) continue;
+    const int other = after_.Find(a.name);
+    ASSERT_GE(other, 0) << a.name;
+    const AssimpNode& b = after_.nodes[static_cast<size_t>(other)];
+    ASSERT_EQ(a.meshes.size(), b.meshes.size()) << a.name;
+    const Affine worldA = before_.World(static_cast<int>(n), 0), worldB = after_.World(other, 0);
+    for (size_t part = 0; part < a.meshes.size(); ++part) {
+      const std::vector<Vector3>& pointsA = before_.meshes[static_cast<size_t>(a.meshes[part])].points;
+      const std::vector<Vector3>& pointsB = after_.meshes[static_cast<size_t>(b.meshes[part])].points;
+      ASSERT_EQ(pointsA.size(), pointsB.size());
+      for (size_t c = 0; c < pointsA.size(); ++c)
+        ASSERT_LT(Length(pointsA[c] * worldA - pointsB[c] * worldB), kLength) << a.name << " corner " << c;
+    }
+  }
+}
+
 // Where points stand at bind: a mesh's points, by its skin's matrices, in the world of the bones.
 TEST_P(ReadersRoundTrip, KeepsBinds) {
   for (size_t i = 0; i < before_.meshes.size(); ++i) {
@@ -161,6 +185,32 @@ TEST_P(ReadersRoundTrip, KeepsBinds) {
       for (size_t c = 0; c < a.points.size(); c += 97)
         ASSERT_LT(Length(a.points[c] * offset - b.points[c] * b.offsets.at(bone)), kLength) << bone;
     }
+  }
+}
+
+std::map<std::string, Affine> BindsOf(const std::vector<uint8_t>& bytes) {
+  std::map<std::string, Affine> binds;
+  const auto manager = FbxManager::Create();
+  const auto importer = FbxImporter::Create(*manager, "FBX Importer");
+  const auto scene = FbxScene::Create("Import");
+  EXPECT_TRUE(importer->Initialize(bytes, "binds.fbx") && importer->Import(*scene));
+  for (const FbxNode* node : scene->Nodes()) {
+    const auto* mesh = dynamic_cast<const FbxMesh*>(node->GetNodeAttribute());
+    if (!mesh) continue;
+    for (const FbxSkin* skin : mesh->skins)
+      for (const FbxCluster& cluster : skin->clusters) binds[cluster.link->GetName()] = cluster.transformLink;
+  }
+  return binds;
+}
+
+// Bones stand at bind where the file said: readers take it for the rest pose.
+TEST_P(ReadersRoundTrip, KeepsBindsInTheWorld) {
+  const std::map<std::string, Affine> before = BindsOf(fileBefore_), after = BindsOf(fileAfter_);
+  ASSERT_GT(before.size(), 50u);
+  for (const auto& [bone, bind] : before) {
+    ASSERT_TRUE(after.count(bone)) << bone;
+    EXPECT_LT(Length(bind.row[3] - after.at(bone).row[3]), kLength) << bone;
+    EXPECT_LT(AngleBetween(bind, after.at(bone)), kAngle) << bone;
   }
 }
 

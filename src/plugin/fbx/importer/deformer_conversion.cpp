@@ -119,9 +119,7 @@ void DeformerConverter::Convert(const FbxNode& node, const FbxMesh& mesh, Planne
   TakeSkin(node, *mesh.skins[0], mesh.controlPoints.size(), planned);
 }
 
-// The file's bind matrices stand in the file's axes, so they are turned like the top nodes.
 void DeformerConverter::TakeSkin(const FbxNode& node, const FbxSkin& source, size_t numPoints, PlannedNode& planned) {
-  const Affine& turn = conversion_.scene.topConversion;
   PlannedSkin skin;
   PointWeights weights(numPoints);
   bool haveMeshBind = false;
@@ -142,9 +140,9 @@ void DeformerConverter::TakeSkin(const FbxNode& node, const FbxSkin& source, siz
                        node.GetName() + "/" + cluster.link->GetName());
       continue;
     }
-    if (!haveMeshBind) skin.meshBind = ToMatrix3(GeometricMatrix(node.transform) * meshBind * turn);
+    if (!haveMeshBind) skin.meshBind = ToMatrix3(GeometricMatrix(node.transform) * meshBind);
     haveMeshBind = true;
-    const int number = BoneOf(skin, bone, ToMatrix3(cluster.transformLink * turn));
+    const int number = BoneOf(skin, bone, ToMatrix3(cluster.transformLink));
     if (!AddCluster(cluster, number, weights))
       conversion_.Note("Skin weights that are negative, not finite or of missing points are left out", node.GetName());
   }

@@ -3,6 +3,7 @@
 #include <functional>
 #include <random>
 
+#include "host/io/detail/class_shape.h"
 #include "host/io/scene_file.h"
 #include "host/scene/mesh_samples_test.h"
 
@@ -200,6 +201,8 @@ TEST_F(MeshFilesTest, OnlyFittingObjectsAreTaken) {
   EXPECT_FALSE(channel->SetTargets(Targets({{100, {1}, {}}})));
   EXPECT_FALSE(f.skin->AcceptsReference(1, *f.node->GetBaseObject()).value());
   EXPECT_FALSE(f.morpher->AcceptsReference(0, *f.node).value());
+  EXPECT_FALSE(MayBind(*f.node, 3, *f.skin));
+  EXPECT_TRUE(MayBind(*f.node, 3, *f.node->GetMtl()));
 }
 
 }  // namespace

@@ -16,11 +16,31 @@ using namespace tavrilon;
 
 constexpr int kFrames = 250;
 
+/// Keys on position and rotation of every rig control, or of the first only, through all frames.
+void Key(bool all) {
+  AnimateOn();
+  int i = 0;
+  for (const Ref<INode>& node : GetScene().Nodes()) {
+    RigControl* control = FindNodeRigControl(node.Get());
+    if (!control || (!all && i > 0)) continue;
+    ++i;
+    for (int frame = 0; frame <= kFrames; frame += 25) {
+      const TimeValue t = frame * GetCOREInterface()->GetTicksPerFrame();
+      const float a = 0.05f * static_cast<float>((i + frame / 25 * 2) % 7);
+      Point3 p{a, -a, a};
+      Quat q = EulerToQuat({a, 2 * a, -a});
+      control->GetPositionController()->SetValue(t, p);
+      GetRealRotationController(control)->SetValue(t, q);
+    }
+  }
+  AnimateOff();
+}
+
 /// The bones of a biped whose controls are all keyed, or its main ones only.
 std::vector<INode*> Bones(bool allKeyed) {
   bench_scene::Fresh();
   bench_scene::AddRig().CreateRig();
-  bench_scene::Key(allKeyed);
+  Key(allKeyed);
   GetScene().time.range = {0, (kFrames - 1) * GetCOREInterface()->GetTicksPerFrame()};
   std::vector<INode*> bones;
   for (const Ref<INode>& node : GetScene().Nodes())

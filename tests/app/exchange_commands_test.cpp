@@ -28,7 +28,7 @@ const Call kRefused[] = {
     {"import walk.fbx -o a.tvs --unit=-1", 2, "-1"},
     {"import walk.fbx -o /no/such/folder/a.tvs", 1, "/no/such/folder/a.tvs"},
     {"export nope.tvs -o a.fbx", 1, "nope.tvs"},
-    {"export walk.tvs -o a.xyz", 1, "fbx"},
+    {"export walk.tvs -o a.xyz", 2, "a name that ends in .fbx"},
     {"export walk.tvs -o /no/such/folder/a.fbx", 1, "/no/such/folder"},
     {"export walk.tvs -o a.fbx --select mixamorig:Hip", 1, "did you mean \"mixamorig:Hips\"?"},
     {"export walk.tvs -o a.fbx --frames 10", 2, "give FIRST:LAST"},
@@ -47,7 +47,7 @@ TEST_F(ExchangeCommands, RefusedWithReasonAndNothingWritten) {
   for (const char* file : {"a.tvs", "a.fbx"}) Write(file, "old");
   for (const Call& call : kRefused) {
     Expect(call);
-    for (const char* file : {"a.tvs", "a.fbx"}) EXPECT_EQ(Read(file), "old") << call.arguments;
+    for (const char* file : {"a.tvs", "a.fbx"}) EXPECT_TRUE(Read(file) == "old") << call.arguments << " wrote " << file;
   }
 }
 
@@ -76,10 +76,16 @@ TEST_F(ExchangeCommands, GoInAndOut) {
 
 TEST_F(ExchangeCommands, OptionsLeavePartsOut) {
   Expect({"import character.fbx -o a.tvs --no-mesh", 0, "53 bones, 2 helpers;"});
+  // 61 frames give as many keys to what moves, one to what stands still.
+  Make("import walk.fbx -o walk.tvs");
+  Make("export walk.tvs -o moving.fbx");
+  Expect({"fbx tree moving.fbx", 0, "KeyTime: *61"});
   Make("import walk.fbx -o still.tvs --no-animation");
   Make("export still.tvs -o still.fbx");
-  const std::string moving = "walk", still = Run("fbx info still.fbx").printed;
-  EXPECT_NE(still.find("layer \"Base Layer\": "), std::string::npos) << still;
+  EXPECT_EQ(Run("fbx tree still.fbx").printed.find("KeyTime: *61"), std::string::npos);
+  Make("export walk.tvs -o bones.fbx --no-animation --no-mesh");
+  const std::string bones = Run("fbx info bones.fbx").printed;
+  for (const char* part : {"stack", "mesh", "skin"}) EXPECT_EQ(bones.find(part), std::string::npos) << part;
   Make("import walk.fbx -o inches.tvs --unit 2.54");
   Make("export inches.tvs -o inches.fbx");
   Expect({"fbx info inches.fbx", 0, "unit 2.54 cm"});

@@ -257,6 +257,8 @@ ReferenceTarget* INode::Clone(RemapDir& remap) {
   INode* clone = scene_->LoadNode(0);
   remap.AddEntry(this, clone);
   clone->state_ = state_;
+  // Nodes that look alike share one material, so that a change of it shows on both.
+  if (material_) remap.AddEntry(material_, material_);
   CloneReferencesInto(*clone, remap);
   return clone;
 }

@@ -350,29 +350,37 @@ TEST(FbxSceneReader, KeysOfCurves) {
   }
 }
 
-TEST(FbxSceneReader, AutomaticTangentsDoNotOvershoot) {
+TEST(FbxSceneReader, AutomaticTangents) {
   struct Row {
     const char* name;
     int flags;
-    const char* values;
+    const char *times, *values;
     float slope;
   };
+  // Seconds 0, 1, 2 and 0, 1, 4.
+  const char *const even = "0,46186158000,92372316000", *const uneven = "0,46186158000,184744632000";
   const Row rows[] = {
-      {"free", 0x2108, "0,9,10", 5},
-      {"flat beside an equal value", 0x3108, "0,10,10", 0},
-      {"clamped, no equal value", 0x3108, "0,9,10", 5},
-      {"progressive", 0x6108, "0,9,10", 3},
-      {"progressive at a top", 0x6108, "0,9,2", 0},
+      {"free", 0x2108, even, "0,9,10", 5},
+      {"flat beside an equal value", 0x3108, even, "0,10,10", 0},
+      {"clamped, no equal value", 0x3108, even, "0,9,10", 5},
+      // Three times the rise to the neighbour is the most that a cubic with weights of a third stands.
+      {"progressive", 0x6108, even, "0,9,10", 3},
+      {"progressive at a top", 0x6108, even, "0,9,2", 0},
+      {"progressive, falling", 0x6108, even, "10,1,0", -3},
+      {"whatever its time", 0x2108, uneven, "0,3,6", 1.5f},
+      // Rises of 3 and 1 a second; the left one is three times as near.
+      {"by its time", 0x108, uneven, "0,3,6", 2.5f},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
     const auto read =
-        ReadText(CurveText(std::string("KeyTime: *3 { a: 0,46186158000,92372316000 } KeyValueFloat: *3 { a: ") +
-                           row.values + " } KeyAttrFlags: *1 { a: " + std::to_string(row.flags) +
+        ReadText(CurveText(std::string("KeyTime: *3 { a: ") + row.times + " } KeyValueFloat: *3 { a: " + row.values +
+                           " } KeyAttrFlags: *1 { a: " + std::to_string(row.flags) +
                            " } KeyAttrDataFloat: *4 { a: 0,0,0,0 } KeyAttrRefCount: *1 { a: 3 }"));
     ASSERT_TRUE(read->Error().empty()) << read->Error();
-    // Three times the rise to the neighbour is the most that a cubic with weights of a third stands.
-    EXPECT_NEAR(read->All<FbxAnimCurveNode>()[0]->curves[1].shapes[1].rightSlope, row.slope, 1e-5);
+    const FbxAnimCurve& curve = read->All<FbxAnimCurveNode>()[0]->curves[1];
+    EXPECT_NEAR(curve.shapes[1].rightSlope, row.slope, 1e-5);
+    EXPECT_NEAR(curve.shapes[0].nextLeftSlope, row.slope, 1e-5);
   }
 }
 

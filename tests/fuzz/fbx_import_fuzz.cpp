@@ -8,6 +8,7 @@
 #include "host/core/hold.h"
 #include "host/io/scene_file.h"
 #include "host/scene/mesh_object.h"
+#include "host/scene/scene.h"
 #include "plugin/fbx/fbx_import.h"
 #include "plugin/frame/class_table.h"
 

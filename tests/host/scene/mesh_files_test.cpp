@@ -113,7 +113,7 @@ TEST_F(MeshFilesTest, CloneFollowsTheClonedBones) {
   auto* skin = ModifierOf<SkinModifier>(clones[0]);
   EXPECT_EQ(skin->GetBone(0), clones[1]);
   EXPECT_EQ(skin->GetBone(1), clones[2]);
-  EXPECT_NE(clones[0]->GetMtl(), f.node->GetMtl());
+  EXPECT_EQ(clones[0]->GetMtl(), f.node->GetMtl());
   const std::vector<Point3> rest = EvaluatedMesh(f.node, 0)->points;
   EXPECT_EQ(EvaluatedMesh(clones[0], 0)->points, rest);
   Place(clones[2], TransMatrix({7, 0, 1}));

@@ -222,9 +222,7 @@ TEST(FbxEvaluator, DeepChains) {
   for (int i = 0; i < kDepth; ++i) {
     FbxNode* node = FbxNode::Create(*scene, "n");
     node->transform.translation = {1, 0, 0};
-    if (i > 0) {
-      ASSERT_TRUE(last->AddChild(node));
-    }
+    ASSERT_TRUE(i == 0 || last->AddChild(node));
     last = node;
   }
   EXPECT_EQ(SceneEvaluator(*scene, nullptr).World(last, {}).row[3], (Vector3{kDepth, 0, 0}));

@@ -128,6 +128,20 @@ void AimBones(std::vector<PlannedNode>& nodes, const std::vector<Affine>& locals
   }
 }
 
+/// Bones are slim enough for fingers beside one another; a root that reaches from the ground to the hips is no tower
+/// over the rest.
+void SizeBones(std::vector<PlannedNode>& nodes) {
+  constexpr float kSlim = 0.1f;
+  constexpr float kLongest = 3;  // in lengths of the middle one
+  std::vector<float> lengths;
+  for (const PlannedNode& node : nodes)
+    if (node.kind == PlannedKind::Bone) lengths.push_back(node.boneLength);
+  if (lengths.empty()) return;
+  const auto middle = lengths.begin() + static_cast<std::ptrdiff_t>(lengths.size() / 2);
+  std::nth_element(lengths.begin(), middle, lengths.end());
+  for (PlannedNode& node : nodes) node.boneWidth = kSlim * std::min(node.boneLength, kLongest * *middle);
+}
+
 }  // namespace
 
 WStr ConvertTransforms(Conversion& conversion) {
@@ -140,6 +154,7 @@ WStr ConvertTransforms(Conversion& conversion) {
     converter.Convert(i);
   }
   AimBones(conversion.plan.nodes, converter.Locals());
+  SizeBones(conversion.plan.nodes);
   return {};
 }
 

@@ -77,9 +77,9 @@ TEST(Trs, PartsMakeTheMatrixAgain) {
     if (dice.Of(2)) trs.scaling = -trs.scaling;
     if (dice.Of(4) == 0) trs.scaling[static_cast<size_t>(dice.Of(3))] *= -1;
     if (dice.Of(4) == 0) trs.rotation.y = 90;  // gimbal lock
-    const Affine m = ComposeTrs(trs);
+    const Affine m = ToMatrix(trs);
     const TrsSplit split = SplitTrs(m, dice.Vector(400));
-    const Affine again = ComposeTrs(split.trs);
+    const Affine again = ToMatrix(split.trs);
     EXPECT_LT(split.shear, 1e-12);
     // Near gimbal lock the angles are read off sines below 1e-6.
     for (int i = 0; i < 4; ++i) ASSERT_LT(Length(again.row[i] - m.row[i]), 1e-5) << round;
@@ -107,7 +107,7 @@ TEST(Trs, AxesThatLeanOrVanish) {
     EXPECT_EQ(split.shear > kShearBound, row.sheared);
     EXPECT_TRUE(IsFinite(split.trs.rotation));
     // The first axis that has a direction keeps it.
-    const Affine again = ComposeTrs(split.trs);
+    const Affine again = ToMatrix(split.trs);
     for (size_t i = 0; i < 3; ++i) {
       if (row.scaling[i] == 0) continue;
       EXPECT_LT(Length(again.row[i] - row.m.row[i]), 1e-9);

@@ -74,8 +74,6 @@ Affine Flipped(const Affine& axes, const Vector3& signs) {
 
 }  // namespace
 
-Affine ToMatrix(const Trs& trs) { return Scaling(trs.scaling) * Rotation(trs.rotation) * Translation(trs.translation); }
-
 int TrsTrack::ChooseFlip(const Affine& axes) const {
   if (flip_ >= 0) return flip_;
   int best = 0;

@@ -6,12 +6,7 @@
 
 namespace tavrilon::fbx_export {
 
-/// Rotation in degrees, order XYZ.
-struct Trs {
-  fbx::Vector3 translation, rotation, scaling{1, 1, 1};
-};
-/// scaling, then rotation, then translation.
-fbx::Affine ToMatrix(const Trs& trs);
+using fbx::Trs;
 
 enum class TrsFault { None, NotFinite, Shear, OutOfRange };
 

@@ -94,6 +94,8 @@ Vector3 RotationToEuler(const Affine& m, const Vector3& wanted, RotationOrder or
   return degrees;
 }
 
+Affine ToMatrix(const Trs& trs) { return Scaling(trs.scaling) * Rotation(trs.rotation) * Translation(trs.translation); }
+
 std::array<double, 16> ToFile(const Affine& m) {
   std::array<double, 16> numbers{};
   for (size_t r = 0; r < 4; ++r) {

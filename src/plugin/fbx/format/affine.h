@@ -62,6 +62,13 @@ Affine Rotation(const Vector3& degrees, RotationOrder order = RotationOrder::XYZ
 /// first is kept.
 Vector3 RotationToEuler(const Affine& m, const Vector3& near = {}, RotationOrder order = RotationOrder::XYZ);
 
+/// A matrix in parts. Degrees, order XYZ.
+struct Trs {
+  Vector3 translation, rotation, scaling{1, 1, 1};
+};
+/// Scale, then rotate, then move.
+Affine ToMatrix(const Trs& trs);
+
 /// The 16 numbers as files store them.
 std::array<double, 16> ToFile(const Affine& m);
 Affine FromFile(const std::array<double, 16>& m);

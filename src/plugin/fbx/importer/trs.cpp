@@ -60,8 +60,4 @@ TrsSplit SplitTrs(const Affine& m, const Vector3& near) {
   return split;
 }
 
-Affine ComposeTrs(const Trs& trs) {
-  return Scaling(trs.scaling) * Rotation(trs.rotation) * Translation(trs.translation);
-}
-
 }  // namespace tavrilon::fbx_import

@@ -6,10 +6,7 @@
 
 namespace tavrilon::fbx_import {
 
-/// scale * rotation * translation for row vectors; degrees in order XYZ.
-struct Trs {
-  fbx::Vector3 translation, rotation, scaling{1, 1, 1};
-};
+using fbx::Trs;
 
 struct TrsSplit {
   Trs trs;
@@ -20,7 +17,6 @@ struct TrsSplit {
 /// The angles are those nearest to `near`. A mirrored matrix gets three negative factors. An axis without length keeps
 /// a factor of 0 and takes its direction from the others; without any direction the angles of `near` stay.
 TrsSplit SplitTrs(const fbx::Affine& m, const fbx::Vector3& near = {});
-fbx::Affine ComposeTrs(const Trs& trs);
 
 /// Above this cosine between axes a matrix counts as sheared. The same bound as for files that go out.
 inline constexpr double kShearBound = 1e-4;

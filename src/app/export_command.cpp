@@ -15,7 +15,6 @@
 #include "app/node_kind.h"
 #include "app/progress_line.h"
 #include "app/published_call.h"
-#include "host/io/exchange.h"
 #include "host/io/scene_file.h"
 #include "host/scene/core_interface.h"
 
@@ -82,7 +81,17 @@ bool ReadFrames(const std::string& text, int& first, int& last) {
   return std::sscanf(text.c_str(), "%9d:%9d%n", &first, &last, &end) == 2 && end == static_cast<int>(text.size());
 }
 
+/// Why the export failed, and what to do about it where the exporter says so.
+std::string Refusal(FPInterface& fbx) {
+  std::string text = ToUtf8(GetProperty(fbx, L"Error").ToWStr());
+  for (const std::string& line : Texts(GetProperty(fbx, L"Log"))) text += "\n  " + line;
+  return text;
+}
+
 int Export(const ExportOptions& options) {
+  if (!options.output.ends_with(".fbx") && !options.output.ends_with(".FBX")) {
+    return WrongUsage("-o " + options.output + ": give a name that ends in .fbx");
+  }
   int first = 0, last = 0;
   if (!options.frames.empty() && !ReadFrames(options.frames, first, last)) {
     return WrongUsage("--frames " + options.frames + ": give FIRST:LAST, two whole numbers");
@@ -102,13 +111,12 @@ int Export(const ExportOptions& options) {
   SetProperty(*fbx, L"SubSamples", options.subSamples);
 
   const InterruptWatch watch;
-  ExchangeReport report;
   {
     const ProgressLine progress;
-    if (!ExportFile(FromUtf8(options.output), true, true, report)) return Fail(ToUtf8(report.error));
+    if (!Call(*fbx, L"ExportFile", {FromUtf8(options.output)}).ToBool()) return Fail(Refusal(*fbx));
   }
   std::printf("%s: %zu nodes\n", options.scene.c_str(), GetScene().Selection().size());
-  for (const WStr& line : report.log) std::printf("  %s\n", ToUtf8(line).c_str());
+  for (const std::string& line : Texts(GetProperty(*fbx, L"Log"))) std::printf("  %s\n", line.c_str());
   std::printf("wrote %s\n", options.output.c_str());
   return kOk;
 }

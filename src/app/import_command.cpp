@@ -39,13 +39,13 @@ std::string CountNodes(const std::vector<INode*>& nodes) {
   for (int kind = 0; kind < kNodeKinds; ++kind) {
     const int count = counts[static_cast<size_t>(kind)];
     if (count > 0) {
-      text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + KindName(static_cast<NodeKind>(kind));
+      text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + KindName(static_cast<NodeKind>(kind), count);
     }
   }
   return text.empty() ? "nothing" : text;
 }
 
-void PrintReport(const ImportOptions& options, const ExchangeReport& report) {
+void PrintImported(const ImportOptions& options, const ExchangeReport& report) {
   const Interface& program = *GetCOREInterface();
   const int frame = program.GetTicksPerFrame();
   const Interval range = program.GetAnimRange();
@@ -53,7 +53,6 @@ void PrintReport(const ImportOptions& options, const ExchangeReport& report) {
               CountNodes(GetScene().Selection()).c_str(), range.start / frame, range.end / frame,
               program.GetFrameRate());
   for (const WStr& line : report.log) std::printf("  %s\n", ToUtf8(line).c_str());
-  std::printf("wrote %s\n", options.output.c_str());
 }
 
 int Import(const ImportOptions& options) {
@@ -75,8 +74,11 @@ int Import(const ImportOptions& options) {
     const ProgressLine progress;
     if (!ImportFile(FromUtf8(options.file), true, report)) return Fail(ToUtf8(report.error));
   }
+  PrintImported(options, report);
+  // What came in is selected for who goes on with it; in a file that would only mark every node.
+  GetScene().ClearNodeSelection();
   if (const WStr problem = SaveScene(FromUtf8(options.output)); !problem.empty()) return Fail(ToUtf8(problem));
-  PrintReport(options, report);
+  std::printf("wrote %s\n", options.output.c_str());
   return kOk;
 }
 

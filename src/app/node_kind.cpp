@@ -15,6 +15,7 @@ using namespace corvanta;
 namespace {
 
 constexpr const char* kNames[kNodeKinds] = {"controls", "bones", "helpers", "guides", "meshes"};
+constexpr const char* kSingular[kNodeKinds] = {"control", "bone", "helper", "guide", "mesh"};
 
 bool IsOfClass(const Object& object, const wchar_t* name) {
   const ClassDesc* desc = ClassDirectory::Get().FindByName(name);
@@ -33,6 +34,10 @@ NodeKind KindOf(INode& node) {
 }
 
 const char* KindName(NodeKind kind) { return kNames[static_cast<int>(kind)]; }
+
+const char* KindName(NodeKind kind, int count) {
+  return count == 1 ? kSingular[static_cast<int>(kind)] : KindName(kind);
+}
 
 std::string ReadKinds(const std::string& list, std::vector<NodeKind>& kinds) {
   std::vector<std::string> names(std::begin(kNames), std::end(kNames));

@@ -18,6 +18,8 @@ NodeKind KindOf(corvanta::INode& node);
 
 /// "controls", "bones", "helpers", "guides", "meshes".
 const char* KindName(NodeKind kind);
+/// The same for a number of nodes: "control" for one.
+const char* KindName(NodeKind kind, int count);
 /// The kinds of a list such as "controls,bones", or of "all". Gives an empty text, or what is wrong with the list.
 std::string ReadKinds(const std::string& list, std::vector<NodeKind>& kinds);
 

@@ -68,8 +68,8 @@ MeshTriangles Triangulate(const Mesh& mesh);
 
 /// A normal for each corner of `mesh` with its points at `points`: by smoothing groups, weighted by the corner's angle;
 /// polygons without a group are flat. Explicit normals stand as they are while the points do; else each makes the turn
-/// of the smooth normal over the corners of its point that have the same one. A degenerate polygon gives zero.
-/// `normals` is resized; nothing is allocated when it is large enough already and no smaller a mesh was done before.
+/// of the smooth normal over the corners of its point that have the same one. A degenerate polygon gives zero. Nothing
+/// is allocated once a mesh of this size was done, into the same `normals`.
 void CornerNormals(const Mesh& mesh, std::span<const Point3> points, std::vector<Point3>& normals);
 /// The polygon's normal of unit length by Newell's sum; zero for a degenerate one.
 Point3 PolygonNormal(const Mesh& mesh, std::span<const Point3> points, int polygon);

@@ -23,8 +23,7 @@ KeptMesh* Object::GetKeptMesh(TimeValue t, INode* node) {
   const MeshKeeping keeping = KeepsMesh();
   const bool byNode = keeping == MeshKeeping::ByNode;
   const Matrix3 objectTM = byNode && node ? node->GetObjectTM(t) : Matrix3();
-  const uint64_t linkStamp = byNode ? LinkStamp() : 0;
-  const bool fits = keeping != MeshKeeping::No && kept.filled_ && kept.linkStamp_ == linkStamp &&
+  const bool fits = keeping != MeshKeeping::No && kept.filled_ &&
                     (!byNode || (kept.node_ == node && kept.objectTM_ == objectTM)) &&
                     (!kept.hasMesh_ || kept.state.valid.Contains(t));
   if (!fits && !kept.evaluating_) {
@@ -33,7 +32,6 @@ KeptMesh* Object::GetKeptMesh(TimeValue t, INode* node) {
     kept.evaluating_ = false;
     kept.node_ = node;
     kept.objectTM_ = objectTM;
-    kept.linkStamp_ = linkStamp;
     kept.Moved();
   }
   return kept.hasMesh_ ? &kept : nullptr;

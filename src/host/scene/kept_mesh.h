@@ -39,7 +39,6 @@ struct KeptMesh {
   bool evaluating_ = false;
   INode* node_ = nullptr;
   Matrix3 objectTM_;
-  uint64_t linkStamp_ = 0;
 
   bool boxMade_ = false, pictureMade_ = false;
   Box3 box_;

@@ -20,7 +20,7 @@ enum : uint16_t {
 };
 
 const ClassDesc kDesc = {
-    L"Mesh", L"EditableMesh", kGeomObjectSuper, MeshObject::kClassId, L"Standard", true, [](bool) -> ReferenceTarget* {
+    L"Mesh", L"PolygonMesh", kGeomObjectSuper, MeshObject::kClassId, L"Standard", true, [](bool) -> ReferenceTarget* {
       return new MeshObject;
     }};
 const HostClassRegistrar kRegistrar([] { ClassDirectory::Get().Register(&kDesc); });

@@ -257,8 +257,14 @@ ReferenceTarget* INode::Clone(RemapDir& remap) {
   INode* clone = scene_->LoadNode(0);
   remap.AddEntry(this, clone);
   clone->state_ = state_;
-  CloneReferencesInto(*clone, remap);
+  CloneInto(*clone, remap);
   return clone;
+}
+
+void INode::CloneInto(INode& clone, RemapDir& remap) {
+  // Nodes that look alike share one material, so that a change of it shows on both.
+  if (material_) remap.AddEntry(material_, material_);
+  CloneReferencesInto(clone, remap);
 }
 
 // Plain state.

@@ -159,6 +159,7 @@ class INode final : public ReferenceTarget {
   friend class NodeDetachment;
   friend class ParentRestore;
   const Matrix3& Evaluate(TimeValue t);
+  void CloneInto(INode& clone, RemapDir& remap);
   void DropMatrices();
   void TellDescendants(const RefNotice& notice);
   void Touch();

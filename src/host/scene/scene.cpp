@@ -181,7 +181,7 @@ std::vector<INode*> Scene::CloneNodes(const std::vector<INode*>& nodes) {
     if (!mapped || mapped->TestFlag(A_WORK1)) continue;
     mapped->SetFlag(A_WORK1);
     INode* clone = mapped->AsNode();
-    node->CloneReferencesInto(*clone, remap);
+    node->CloneInto(*clone, remap);
     ReferenceTarget* parent = remap.Find(node->parent_);
     LoadParent(clone, parent ? parent->AsNode() : node->parent_);
   }

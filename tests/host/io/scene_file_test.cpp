@@ -276,6 +276,8 @@ TEST_F(SceneFileTest, ErrorsTellWhatIsWrong) {
       {"no root", head + 28, 0, L"root"},
       {"more nodes than there are", head + 28, 5, L"damaged"},
       {"endless count of objects", head + 36, 0xFFFFFFFF, L"damaged"},
+      {"unit of length 0", head + 44, 0, L"length of the unit"},
+      {"upward axis", head + 48, 7, L"upward axis"},
       {"endless name", nodes + 6, 0xFFFFFFF0, L"does not fit"},
       {"section missing", tail - 16, 0x58585858, L"section is missing"},
       {"section twice", tail - 16, 0x45444F4E, L"stands twice"},
@@ -286,6 +288,21 @@ TEST_F(SceneFileTest, ErrorsTellWhatIsWrong) {
     std::memcpy(bad.data() + row.at, &row.value, 4);
     const WStr error = LoadSceneFromBytes(bad, false);
     EXPECT_NE(error.find(row.text), WStr::npos) << ToUtf8(error);
+  }
+}
+
+// Files of format 1, without units and materials.
+TEST_F(SceneFileTest, OldFilesAreRead) {
+  for (const char* name : {"empty", "everything", "keyed", "random2"}) {
+    SCOPED_TRACE(name);
+    GetScene().units.centimetres = 2.54;
+    const FileContents file = ReadWholeFile(
+        FromUtf8(std::string(TAVRILON_SOURCE_DIR "/tests/fuzz/corpus/scene_file/") + name + ".bin"), 1 << 20);
+    ASSERT_GT(file.bytes.size(), 28u);
+    ASSERT_EQ(file.bytes[25], 1) << "the format, behind a byte for the fuzzer";
+    EXPECT_EQ(LoadSceneFromBytes(std::span(file.bytes).subspan(1), false), L"");
+    EXPECT_EQ(GetScene().units, UnitConfig());
+    ExpectRoundTrip();
   }
 }
 

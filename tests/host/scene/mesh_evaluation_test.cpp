@@ -74,6 +74,16 @@ TEST_F(MeshEvaluationTest, ArmOfTwoBonesBendsByHand) {
   // The last one, [4,5] from the elbow, turns to [-5,4] there, so to [-4,4]: a quarter of that and three of [5,5].
   const Point3 expected[] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0.5f, 0.5f, 0}, {2.75f, 4.75f, 5}};
   for (size_t i = 0; i < std::size(expected); ++i) ExpectNear(PointsOf(node)[i], expected[i], kPlaceError);
+  // Bound half a unit further along, the hand is that much further up; what is left over stays.
+  skin->SetMeshBindTM(TransMatrix({0.5f, 0, 0}));
+  ExpectNear(PointsOf(node)[2], {1, 1.5f, 0}, kPlaceError);
+  // Weights of two together are halved.
+  auto heavy = std::make_shared<SkinWeights>();
+  const SkinWeight twice[] = {{0, 1}, {1, 1}};
+  heavy->Add(twice);
+  skin->SetMeshBindTM({});
+  skin->SetWeights(heavy);
+  ExpectNear(PointsOf(node)[0], {0.5f, -0.5f, 0}, kPlaceError);
 }
 
 // Wherever mesh, its offset and bones stand, at bind and later: points with all weight on a bone keep their place on

@@ -3,6 +3,7 @@
 #include <functional>
 #include <random>
 
+#include "host/io/detail/class_shape.h"
 #include "host/io/scene_file.h"
 #include "host/scene/mesh_samples_test.h"
 
@@ -112,7 +113,7 @@ TEST_F(MeshFilesTest, CloneFollowsTheClonedBones) {
   auto* skin = ModifierOf<SkinModifier>(clones[0]);
   EXPECT_EQ(skin->GetBone(0), clones[1]);
   EXPECT_EQ(skin->GetBone(1), clones[2]);
-  EXPECT_NE(clones[0]->GetMtl(), f.node->GetMtl());
+  EXPECT_EQ(clones[0]->GetMtl(), f.node->GetMtl());
   const std::vector<Point3> rest = EvaluatedMesh(f.node, 0)->points;
   EXPECT_EQ(EvaluatedMesh(clones[0], 0)->points, rest);
   Place(clones[2], TransMatrix({7, 0, 1}));
@@ -200,6 +201,8 @@ TEST_F(MeshFilesTest, OnlyFittingObjectsAreTaken) {
   EXPECT_FALSE(channel->SetTargets(Targets({{100, {1}, {}}})));
   EXPECT_FALSE(f.skin->AcceptsReference(1, *f.node->GetBaseObject()).value());
   EXPECT_FALSE(f.morpher->AcceptsReference(0, *f.node).value());
+  EXPECT_FALSE(MayBind(*f.node, 3, *f.skin));
+  EXPECT_TRUE(MayBind(*f.node, 3, *f.node->GetMtl()));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "host/view/mesh_display.h"
 
 #include <map>
+#include <set>
 
 #include "host/scene/mesh_samples_test.h"
 #include "host/view/recorder.h"
@@ -76,14 +77,18 @@ TEST_F(MeshDisplayTest, GroupedTrianglesAreThoseOfTheMesh) {
   Mesh cube = Cube(2);
   cube.materials = {7, 7, 2, 7, 2, 0};
   float area = 0;
+  std::set<std::array<float, 3>> places;
   for (const Primitive& p : Drawn(MeshNode(cube)))
     for (const auto& t : p.triangles) {
       const Point3 a = p.points[static_cast<size_t>(t[0])];
       const Point3 cross = Cross(p.points[static_cast<size_t>(t[1])] - a, p.points[static_cast<size_t>(t[2])] - a);
       EXPECT_GT(Dot(cross, a - Point3{1, 1, 1}), 0) << "faces outward";
       area += Length(cross) / 2;
+      const Point3 sum = a + p.points[static_cast<size_t>(t[1])] + p.points[static_cast<size_t>(t[2])];
+      places.insert({sum.x, sum.y, sum.z});
     }
   EXPECT_FLOAT_EQ(area, 24);
+  EXPECT_EQ(places.size(), 12u) << "no triangle is there twice";
 }
 
 TEST_F(MeshDisplayTest, SkinnedMeshIsPickedWhereItShows) {

@@ -87,6 +87,25 @@ TEST(EdgeSmoothing, BordersAreHard) {
   EXPECT_EQ(std::count(mesh.smoothing.values.begin(), mesh.smoothing.values.end(), 1), 1);
 }
 
+// Where three polygons meet along an edge, one that differs makes it hard, whichever it is.
+TEST(EdgeSmoothing, ThreePolygonsAlongAnEdge) {
+  for (int odd = 0; odd <= 3; ++odd) {  // 3: none
+    SCOPED_TRACE(odd);
+    const std::unique_ptr<FbxScene> scene = FbxScene::Create("fan");
+    FbxMesh& mesh = *FbxMesh::Create(*scene, "fan");
+    mesh.controlPoints = {{0, 0, 0}, {0, 1, 0}, {1, 0, 0}, {-1, 0, 0}, {0, 0, 1}};
+    mesh.polygonVertices = {0, 1, 2, 1, 0, 3, 0, 1, 4};
+    mesh.polygonStarts = {0, 3, 6, 9};
+    mesh.normals.mapping = Mapping::ByPolygonVertex;
+    for (int corner = 0; corner < 9; ++corner) {
+      mesh.normals.values.push_back(corner / 3 == odd ? Vector3{1, 0, 0} : Vector3{0, 0, 1});
+    }
+    ASSERT_TRUE(FbxGeometryConverter::ComputeEdgeSmoothingFromNormals(mesh));
+    ASSERT_EQ(EndsOf(mesh, 0), std::pair(0, 1));
+    EXPECT_EQ(mesh.smoothing.values[0], odd == 3);
+  }
+}
+
 TEST(EdgeSmoothing, NeedsNormalsByCorner) {
   const std::unique_ptr<FbxScene> scene = FbxScene::Create("cube");
   FbxMesh& mesh = *FbxMesh::Create(*scene, "cube");

@@ -170,12 +170,15 @@ class SceneListing {
     }
   }
 
-  // One shape for all keys and the same shape for each are one thing; weights are as fine as files have them.
+  // One shape for all keys and the same shape for each are one thing; only cubic keys have tangents; weights are as
+  // fine as files have them.
   void Curve(const FbxAnimCurve& curve) {
     for (size_t i = 0; i < curve.times.size(); ++i) {
       const KeyShape& s = curve.ShapeOf(i);
-      Line(curve.times[i], curve.values[i], static_cast<int>(s.interpolation), s.rightSlope, s.nextLeftSlope,
-           static_cast<int>(PackedWeight(s.rightWeight)), static_cast<int>(PackedWeight(s.nextLeftWeight)));
+      Line(curve.times[i], curve.values[i], static_cast<int>(s.interpolation));
+      if (s.interpolation != Interpolation::Cubic) continue;
+      Line(s.rightSlope, s.nextLeftSlope, static_cast<int>(PackedWeight(s.rightWeight)),
+           static_cast<int>(PackedWeight(s.nextLeftWeight)));
     }
   }
 

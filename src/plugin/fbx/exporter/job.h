@@ -81,7 +81,8 @@ struct ExportJob {
   }
   void Log(corvanta::WStr line) { report.log.push_back(std::move(line)); }
   bool Show(double share) {
-    return corvanta::ShowProgress(L"Exporting FBX", share) || Fail(L"The FBX export was stopped.");
+    static const corvanta::WStr title = L"Exporting FBX";
+    return corvanta::ShowProgress(title, share) || Fail(L"The FBX export was stopped.");
   }
 };
 

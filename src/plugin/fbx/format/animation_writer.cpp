@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Stacks, layers, curve nodes and curves.
 #include <bit>
-#include <cmath>
 
 #include "plugin/fbx/format/key_flags.h"
 #include "plugin/fbx/format/scene_writer.h"
@@ -9,6 +8,11 @@
 namespace tavrilon::fbx {
 
 namespace {
+
+/// Only cubic keys have tangents: what others hold there says nothing, and would part runs.
+KeyShape Meant(const KeyShape& shape) {
+  return shape.interpolation == Interpolation::Cubic ? shape : KeyShape{shape.interpolation};
+}
 
 /// The shapes of a curve's keys as files have them: each run of equal shapes once, with its length.
 struct ShapeRuns {
@@ -22,14 +26,11 @@ struct ShapeRuns {
 
 ShapeRuns::ShapeRuns(const FbxAnimCurve& curve) {
   const size_t keys = curve.times.size();
-  if (curve.shapes.size() == 1) {
-    Append(curve.shapes[0], keys);
-    return;
-  }
   for (size_t first = 0; first < keys;) {
-    size_t next = first + 1;
-    while (next < keys && curve.shapes[next] == curve.shapes[first]) ++next;
-    Append(curve.shapes[first], next - first);
+    const KeyShape shape = Meant(curve.ShapeOf(first));
+    size_t next = curve.shapes.size() == 1 ? keys : first + 1;
+    while (next < keys && Meant(curve.shapes[next]) == shape) ++next;
+    Append(shape, next - first);
     first = next;
   }
 }

@@ -47,12 +47,13 @@ ExportSwitches::ExportSwitches(const FbxIOSettings& settings) {
   shapes = deformation && settings.GetBoolProp("Export|AdvOptGrp|Fbx|Shape");
 }
 
-ExportPlan::ExportPlan(const FbxScene& scene, const ExportSwitches& switches) {
-  ids_[scene.GetRootNode()] = 0;
+ExportPlan::ExportPlan(const FbxScene& scene, const ExportSwitches& switches)
+    : turn_(scene.topConversion), root_(scene.GetRootNode()) {
+  ids_[root_] = 0;
   PlanNodes(scene);
   PlanMaterials(scene, switches);
   PlanDeformers(switches);
-  ConnectNode(scene.GetRootNode());
+  ConnectNode(root_);
   for (const FbxNode* node : models) ConnectNode(node);
   ConnectDeformers();
   if (switches.animation) PlanAnimation(scene);
@@ -162,7 +163,27 @@ void ExportPlan::PlanAnimation(const FbxScene& scene) {
   }
 }
 
+bool ExportPlan::IsTurned(const FbxObject* object) const {
+  const auto* node = dynamic_cast<const FbxNode*>(object);
+  return !turn_.IsNone() && node && node->GetParent() == root_;
+}
+
+NodeTransform ExportPlan::TransformOf(const FbxNode& node) const {
+  return IsTurned(&node) ? turn_.Turned(node.transform) : node.transform;
+}
+
+void ExportPlan::TurnCurves(PlannedCurveNode& node) {
+  const std::array<const FbxAnimCurve*, 3> curves = node.curves;
+  for (size_t i = 0; i < 3; ++i) {
+    const FbxAnimCurve*& turned = node.curves[turn_.AxisOf(i)];
+    turned = turn_.IsTurnedOver(i) ? &turnedCurves_.emplace_back(TurnedOver(*curves[i])) : curves[i];
+  }
+  const Vector3 defaults = turn_.Turned(Vector3{node.defaults[0], node.defaults[1], node.defaults[2]});
+  node.defaults = {defaults.x, defaults.y, defaults.z};
+}
+
 void ExportPlan::PlanCurveNode(PlannedCurveNode planned) {
+  if (planned.property == "Lcl Translation" && IsTurned(planned.target)) TurnCurves(planned);
   const PlannedCurveNode& node = curveNodes.emplace_back(std::move(planned));
   Number(&node);
   Connect(&node, node.layer);

@@ -8,6 +8,7 @@
 #include <unordered_map>
 
 #include "plugin/fbx/format/sdk.h"
+#include "plugin/fbx/format/top_turn.h"
 
 namespace tavrilon::fbx {
 
@@ -32,6 +33,9 @@ struct PlannedCurveNode {
 class ExportPlan {
  public:
   ExportPlan(const FbxScene& scene, const ExportSwitches& switches);
+
+  /// A node's transform as it is written.
+  NodeTransform TransformOf(const FbxNode& node) const;
 
   // In the order of writing; a deformer stands in front of its parts.
   std::vector<const FbxNodeAttribute*> attributes;  // all kinds but meshes
@@ -70,9 +74,14 @@ class ExportPlan {
   void PlanDeformers(const ExportSwitches& switches);
   void PlanAnimation(const FbxScene& scene);
   void PlanCurveNode(PlannedCurveNode node);
+  bool IsTurned(const FbxObject* object) const;
+  void TurnCurves(PlannedCurveNode& node);
   void ConnectNode(const FbxNode* node);
   void ConnectDeformers();
 
+  TopTurn turn_;
+  const FbxNode* root_;
+  std::deque<FbxAnimCurve> turnedCurves_;
   std::unordered_map<const void*, int64_t> ids_;
   int64_t next_ = 1000000;
 };

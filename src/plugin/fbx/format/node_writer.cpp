@@ -77,7 +77,7 @@ void SceneWriter::WriteModel(const FbxNode& node) {
   BeginObject("Model", plan_.IdOf(&node), node.GetName(), "Model", TypeName(node.GetNodeAttribute()));
   out_.Leaf("Version", 232);
   out_.Begin("Properties70");
-  WriteTransform(node.transform);
+  WriteTransform(plan_.TransformOf(node));
   if (node.GetNodeAttribute()) out_.PropertyInt("DefaultAttributeIndex", "int", "Integer", "", 0);
   if (!node.visible) out_.PropertyDouble("Visibility", "Visibility", "", "A", {0});
   for (const auto& [name, text] : node.userProperties) out_.PropertyText(name, "KString", "", "U", text);

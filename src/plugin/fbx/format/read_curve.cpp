@@ -3,21 +3,20 @@
 #include <algorithm>
 #include <bit>
 
+#include "plugin/fbx/format/key_flags.h"
 #include "plugin/fbx/format/read_objects.h"
 
 namespace tavrilon::fbx {
 
 namespace {
 
-// Flags of a key.
+// Flags of a key, beside those that are written: see key_flags.h.
 constexpr uint32_t kConstant = 0x2, kCubic = 0x8;
 constexpr uint32_t kConstantNext = 0x100;  // of constant keys
-constexpr uint32_t kAuto = 0x100, kTcb = 0x200, kUser = 0x400;
+constexpr uint32_t kAuto = 0x100, kTcb = 0x200;
 constexpr uint32_t kClamp = 0x1000, kTimeIndependent = 0x2000, kClampProgressive = 0x4000;
-constexpr uint32_t kWeightedRight = 0x01000000, kWeightedNextLeft = 0x02000000;
 // Right slope, next left slope, packed weights, velocities.
 constexpr size_t kAttributes = 4;
-constexpr float kWholeWeight = 9999;
 constexpr int kFirstBitPatternVersion = 7200;
 
 struct RawCurve {
@@ -81,14 +80,14 @@ KeyShape ShapeOfRun(const RawCurve& raw, size_t run) {
     shape.rightSlope = FiniteFloat(attributes[0]);
     shape.nextLeftSlope = FiniteFloat(attributes[1]);
     const auto weights = std::bit_cast<uint32_t>(attributes[2]);
-    if (flags & kWeightedRight) shape.rightWeight = static_cast<float>(weights & 0xFFFF) / kWholeWeight;
-    if (flags & kWeightedNextLeft) shape.nextLeftWeight = static_cast<float>(weights >> 16) / kWholeWeight;
+    if (flags & kRightWeighted) shape.rightWeight = static_cast<float>(weights & 0xFFFF) / kWeightParts;
+    if (flags & kNextLeftWeighted) shape.nextLeftWeight = static_cast<float>(weights >> 16) / kWeightParts;
   }
   return shape;
 }
 
 bool IsAuto(uint32_t flags) {
-  return !(flags & kConstant) && (flags & kCubic) && (flags & (kAuto | kTcb)) && !(flags & kUser);
+  return !(flags & kConstant) && (flags & kCubic) && (flags & (kAuto | kTcb)) && !(flags & kTangentUser);
 }
 
 /// Slopes of automatic tangents are not in the file: they follow from the neighbours. Flat at both ends of the curve;

@@ -6,8 +6,7 @@
 namespace tavrilon::fbx {
 
 namespace {
-constexpr std::string_view kBinarySeparator("\0\1", 2);
-constexpr std::string_view kAsciiSeparator("::");
+constexpr std::string_view kSeparator("\0\1", 2);
 constexpr double kCoarseTicksPerSecond = 141120000;
 }  // namespace
 
@@ -21,11 +20,7 @@ FbxTime ReadContext::TimeOf(int64_t ticks) const {
 
 std::string ObjectName(RecordView object) {
   const std::string_view text = object.Text(1);
-  const size_t binary = text.find(kBinarySeparator);
-  if (binary != std::string_view::npos) return std::string(text.substr(0, binary));
-  const size_t ascii = text.find(kAsciiSeparator);
-  if (ascii != std::string_view::npos) return std::string(text.substr(ascii + kAsciiSeparator.size()));
-  return std::string(text);
+  return std::string(text.substr(0, text.find(kSeparator)));
 }
 
 bool ReadMatrix(RecordView object, std::string_view leaf, Affine& matrix) {

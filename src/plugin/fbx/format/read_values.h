@@ -33,7 +33,7 @@ struct ReadContext {
   FbxTime TimeOf(int64_t ticks) const;
 };
 
-/// The name of an object without its class: "name 00 01 class" in binary files, "class::name" in ASCII.
+/// The name of an object, which documents give as "name 00 01 class".
 std::string ObjectName(RecordView object);
 
 /// What is no number counts as 0, so that nothing behind the reader meets a NaN.

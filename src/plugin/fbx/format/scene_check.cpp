@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "plugin/fbx/format/top_turn.h"
+
 namespace tavrilon::fbx {
 
 namespace {
@@ -55,6 +57,10 @@ class SceneCheck {
 };
 
 bool SceneCheck::Run() {
+  const TopTurn turn(scene_.topConversion);
+  if (!turn.IsNone() && !turn.CanBeWritten()) {
+    return status_.Fail("the scene was mirrored when its axes were converted, which files cannot say");
+  }
   for (const std::unique_ptr<FbxObject>& object : scene_.Objects()) {
     if (!Name(object->GetName()) || !Check(*object)) return false;
   }

@@ -162,7 +162,10 @@ bool SceneReader::FinishCurves() {
     if (entry.kind != ObjectKind::CurveNode) continue;
     auto* curves = static_cast<FbxAnimCurveNode*>(entry.object);
     if (auto* layer = dynamic_cast<FbxAnimLayer*>(curves->target)) {
-      if (curves->property == "Weight") layer->weightCurve = curves->curves[0];
+      if (curves->property == "Weight") {
+        layer->weightCurve = std::move(curves->curves[0]);
+        std::erase(layer->curveNodes, curves);  // the layer has it now
+      }
       continue;
     }
     if (dynamic_cast<FbxBlendShapeChannel*>(curves->target) && curves->property == "DeformPercent") continue;
@@ -171,7 +174,7 @@ bool SceneReader::FinishCurves() {
                                      [curves](const AnimatedProperty& row) { return row.name == curves->property; });
     if (!node || known == std::end(kAnimated)) {
       if (curves->target) {
-        scene_.Log().Note("Animation of other properties than movement and shapes",
+        scene_.Log().Note("Animation of other properties than movement and shapes is left out",
                           curves->target->GetName() + "." + curves->property);
       }
       continue;

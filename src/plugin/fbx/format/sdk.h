@@ -50,7 +50,10 @@ class FbxManager {
 /// Called with the share that is done, 0 to 1; false stops the work with the error "Stopped.".
 using Progress = std::function<bool(double)>;
 
-/// Reads a file into a scene. Switches of the manager's settings that are off leave their objects out.
+/// Reads a file into a scene. Switches of the manager's settings that are off leave their objects out:
+/// "Import|AdvOptGrp|FileFormat|Fbx|Animation", "...|Material" (and with it textures), "...|Texture", "...|Shape",
+/// "Import|IncludeGrp|Animation|Deformation" (skins and shapes), "...|Deformation|Skins". Meshes are left out when
+/// Material, Deformation and Skins are all off: nothing that hangs on a mesh is wanted then.
 class FbxImporter {
  public:
   static std::unique_ptr<FbxImporter> Create(FbxManager& manager, std::string name);

@@ -2,6 +2,7 @@
 #include "plugin/fbx/importer/deformer_conversion.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "plugin/fbx/importer/file_time.h"
 #include "plugin/fbx/importer/track_building.h"
@@ -73,6 +74,21 @@ std::shared_ptr<const SkinWeights> Pack(PointWeights& points, int& boneLimit) {
   return packed;
 }
 
+/// Does the mesh of node `from` follow `to`, itself or by way of other skinned meshes?
+bool Follows(const std::vector<PlannedNode>& nodes, int from, int to) {
+  std::vector<int> waiting{from};
+  std::unordered_set<int> seen;
+  while (!waiting.empty()) {
+    const int node = waiting.back();
+    waiting.pop_back();
+    if (node == to) return true;
+    const std::optional<PlannedSkin>& skin = nodes[static_cast<size_t>(node)].skin;
+    if (!skin || !seen.insert(node).second) continue;
+    for (const PlannedBone& bone : skin->bones) waiting.push_back(bone.node);
+  }
+  return false;
+}
+
 /// Offsets by rising point; of a point that comes twice the last counts.
 MorphTarget Sorted(const FbxShape& shape, size_t numPoints, bool& lost) {
   std::map<int, Point3> offsets;
@@ -111,6 +127,11 @@ void DeformerConverter::TakeSkin(const FbxNode& node, const FbxSkin& source, siz
     const int bone = cluster.link ? conversion_.NumberOf(cluster.link) : -1;
     if (bone < 0) {
       conversion_.Note("Skin clusters without a bone are left out", node.GetName() + "/" + cluster.name);
+      continue;
+    }
+    if (Follows(conversion_.plan.nodes, bone, conversion_.NumberOf(&node))) {
+      conversion_.Note("Skin clusters whose bone follows the mesh itself are left out",
+                       node.GetName() + "/" + cluster.link->GetName());
       continue;
     }
     const Affine meshBind = cluster.transform * cluster.transformLink;

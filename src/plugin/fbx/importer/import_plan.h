@@ -72,6 +72,7 @@ struct PlannedNode {
   int parent = -1;
   PlannedKind kind = PlannedKind::Helper;
   float boneLength = 0.1f;
+  float boneWidth = 0.01f;
   std::optional<uint32_t> wireColour;
   bool visible = true;
   std::map<corvanta::WStr, corvanta::WStr> userProps;

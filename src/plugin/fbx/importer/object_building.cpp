@@ -14,15 +14,12 @@ using namespace corvanta;
 
 namespace {
 
-/// Thickness of a bone to its length: slim enough for fingers beside one another.
-constexpr float kSlim = 0.1f;
-
-Ref<Object> MakeBone(float length) {
+Ref<Object> MakeBone(float length, float width) {
   const Ref<BoneObject> bone(new BoneObject);
   ParamBlock2& block = *bone->GetParamBlock();
   block.SetValue(BoneObject::kLength, 0, length);
-  block.SetValue(BoneObject::kWidth, 0, length * kSlim);
-  block.SetValue(BoneObject::kHeight, 0, length * kSlim);
+  block.SetValue(BoneObject::kWidth, 0, width);
+  block.SetValue(BoneObject::kHeight, 0, width);
   return bone.Get();
 }
 
@@ -38,7 +35,7 @@ bool AddChannel(MorpherModifier& morpher, const PlannedMorphChannel& planned) {
 }  // namespace
 
 Ref<Object> MakeObject(const PlannedNode& planned) {
-  if (planned.kind == PlannedKind::Bone) return MakeBone(planned.boneLength);
+  if (planned.kind == PlannedKind::Bone) return MakeBone(planned.boneLength, planned.boneWidth);
   return new PointHelper;
 }
 

@@ -8,6 +8,7 @@
 #include "plugin/fbx/importer/local_matrices.h"
 #include "plugin/fbx/importer/track_building.h"
 #include "plugin/fbx/importer/trs.h"
+#include "plugin/frame/rig_maths.h"
 
 namespace tavrilon::fbx_import {
 
@@ -43,7 +44,7 @@ class TransformConverter {
   void Convert(size_t number) {
     node_ = conversion_.sources[number];
     Sample();
-    distances_.push_back(Length(still_.Local(node_, {}).row[3]));
+    locals_.push_back(still_.Local(node_, {}));
     PlannedTransform& transform = conversion_.plan.nodes[number].transform;
     const double length = kPositionTolerance / conversion_.context.centimetres;
     BuildTrack(positions_, times_, length, transform.position);
@@ -53,8 +54,8 @@ class TransformConverter {
     if (shear_ > kShearBound) conversion_.Note("Shear cannot be kept; axes are straightened", node_->GetName());
     if (lost_) conversion_.Note("Values that are not finite, or beyond any size, are passed over", node_->GetName());
   }
-  /// Of each node so far from its parent, in the parent's space, as the file has them without animation.
-  const std::vector<double>& Distances() const { return distances_; }
+  /// Of each node so far, as the file has them without animation.
+  const std::vector<Affine>& Locals() const { return locals_; }
 
  private:
   void Sample() {
@@ -94,19 +95,51 @@ class TransformConverter {
   double shear_ = 0;
   bool lost_ = false;
   Trs last_;
-  std::vector<double> distances_;
+  std::vector<Affine> locals_;
 };
 
-/// A bone reaches to its first child; one without, or with one in the same place, stays short.
-void MeasureBones(std::vector<PlannedNode>& nodes, const std::vector<double>& distances) {
+/// How straight the way to a child goes on from the way to its parent: the cosine; 0 where there is no such way.
+double Straightness(const Affine& parent, const Vector3& child) {
+  const Vector3 way = TransformVector(Inverse(parent), parent.row[3]);
+  const double lengths = Length(way) * Length(child);
+  return lengths > 0 ? Dot(way, child) / lengths : 0;
+}
+
+/// A bone is drawn along its X axis; here it is turned and measured so that it reaches to a child, whichever axis the
+/// file's bones run along: to the first one that goes straight on, so that a chest reaches to the neck and not to a
+/// clavicle. One without a child, or with one in the same place, stays short.
+void AimBones(std::vector<PlannedNode>& nodes, const std::vector<Affine>& locals) {
   constexpr double kShortest = 1e-6;
-  std::vector<bool> measured(nodes.size());
+  // A child has to be this much straighter than those before it.
+  constexpr double kStraighter = 1e-3;
+  std::vector<double> straightest(nodes.size(), -2);
   for (size_t i = 0; i < nodes.size(); ++i) {
-    const auto parent = static_cast<size_t>(nodes[i].parent);
-    if (nodes[i].parent < 0 || measured[parent]) continue;
-    measured[parent] = true;
-    if (distances[i] > kShortest && IsSane(distances[i])) nodes[parent].boneLength = static_cast<float>(distances[i]);
+    if (nodes[i].parent < 0) continue;
+    const auto number = static_cast<size_t>(nodes[i].parent);
+    PlannedNode& parent = nodes[number];
+    const Vector3& place = locals[i].row[3];
+    const double length = Length(place);
+    if (parent.kind != PlannedKind::Bone || !(length > kShortest) || !IsSane(length)) continue;
+    const double straight = parent.parent < 0 ? 0 : Straightness(locals[number], place);
+    if (!(straight > straightest[number] + kStraighter)) continue;
+    straightest[number] = straight;
+    parent.boneLength = static_cast<float>(length);
+    parent.offsetRot = RotationBetween({1, 0, 0}, ToPoint3(place * (1 / length)));
   }
+}
+
+/// Bones are slim enough for fingers beside one another; a root that reaches from the ground to the hips is no tower
+/// over the rest.
+void SizeBones(std::vector<PlannedNode>& nodes) {
+  constexpr float kSlim = 0.1f;
+  constexpr float kLongest = 3;  // in lengths of the middle one
+  std::vector<float> lengths;
+  for (const PlannedNode& node : nodes)
+    if (node.kind == PlannedKind::Bone) lengths.push_back(node.boneLength);
+  if (lengths.empty()) return;
+  const auto middle = lengths.begin() + static_cast<std::ptrdiff_t>(lengths.size() / 2);
+  std::nth_element(lengths.begin(), middle, lengths.end());
+  for (PlannedNode& node : nodes) node.boneWidth = kSlim * std::min(node.boneLength, kLongest * *middle);
 }
 
 }  // namespace
@@ -120,7 +153,8 @@ WStr ConvertTransforms(Conversion& conversion) {
       return kExchangeStopped;
     converter.Convert(i);
   }
-  MeasureBones(conversion.plan.nodes, converter.Distances());
+  AimBones(conversion.plan.nodes, converter.Locals());
+  SizeBones(conversion.plan.nodes);
   return {};
 }
 

@@ -109,6 +109,7 @@ def main(result, path, *span):
     scene = bpy.context.scene
     first, last = (int(frame) for frame in span) if span else (scene.frame_start, scene.frame_end)
     found = {
+        "centimetres": unit_of(path),
         "frames_a_second": scene.render.fps / scene.render.fps_base,
         "range": [scene.frame_start, scene.frame_end],
         "nodes": hierarchy(),

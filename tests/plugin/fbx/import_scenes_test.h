@@ -103,9 +103,9 @@ struct Dice {
 };
 
 /// Keys at times that are no frames, of all interpolations, weighted ones too.
-inline fbx::FbxAnimCurve RandomCurve(Dice& dice, double middle, double spread) {
+inline fbx::FbxAnimCurve RandomCurve(Dice& dice, double middle, double spread, int frames = kFrames) {
   fbx::FbxAnimCurve curve;
-  for (double frame = 0; frame < kFrames; frame += dice.In(2, 9)) {
+  for (double frame = 0; frame < frames; frame += dice.In(2, 9)) {
     curve.times.push_back(static_cast<int64_t>(frame * static_cast<double>(kTicksPerFrame)));
     curve.values.push_back(static_cast<float>(middle + dice.In(-spread, spread)));
     fbx::KeyShape shape;

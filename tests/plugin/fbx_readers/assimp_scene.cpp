@@ -112,11 +112,16 @@ Vector3 VectorAt(const std::vector<AssimpFile::Key>& keys, double seconds) {
 
 Affine RotationAt(const std::vector<AssimpFile::Key>& keys, double seconds) {
   const Span span = Around(keys, seconds);
-  double q[4], dot = 0, length = 0;
+  double q[4], dot = 0;
   for (int i = 0; i < 4; ++i) dot += span.from->v[i] * span.to->v[i];
-  // Between keys of a small turn the chord is the arc to the fourth order, so no sine is needed here.
+  // Equal shares of the arc; where it is short the sines are in the proportion of their angles.
+  const double arc = std::acos(std::min(std::abs(dot), 1.0)), sine = std::sin(arc);
+  const bool isShort = sine < 1e-6;
+  const double from = isShort ? 1 - span.share : std::sin((1 - span.share) * arc) / sine;
+  const double to = (isShort ? span.share : std::sin(span.share * arc) / sine) * (dot < 0 ? -1 : 1);
+  double length = 0;
   for (int i = 0; i < 4; ++i) {
-    q[i] = span.from->v[i] * (1 - span.share) + (dot < 0 ? -1 : 1) * span.to->v[i] * span.share;
+    q[i] = span.from->v[i] * from + span.to->v[i] * to;
     length += q[i] * q[i];
   }
   for (double& part : q) part /= std::sqrt(length);

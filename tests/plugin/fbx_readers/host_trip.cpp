@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "plugin/fbx_readers/host_trip.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "host/core/class_desc.h"
+#include "host/io/atomic_file.h"
+#include "host/io/scene_file.h"
+#include "host/scene/core_interface.h"
+#include "plugin/fbx/format/sdk.h"
+#include "plugin/frame/class_table.h"
+
+namespace tavrilon::fbx {
+
+using corvanta::FromUtf8;
+using corvanta::GetScene;
+using corvanta::ToUtf8;
+
+std::vector<uint8_t> FileBytes(const std::string& path) {
+  corvanta::FileContents contents = corvanta::ReadWholeFile(FromUtf8(path), size_t{1} << 28);
+  EXPECT_TRUE(contents.error.empty()) << ToUtf8(contents.error);
+  return contents.bytes;
+}
+
+std::vector<uint8_t> WrittenBytes(const FbxScene& scene, int format) {
+  const std::unique_ptr<FbxManager> manager = FbxManager::Create();
+  const std::unique_ptr<FbxExporter> exporter = FbxExporter::Create(*manager, "made");
+  exporter->Initialize("made.fbx", format);
+  std::vector<uint8_t> bytes = exporter->Write(scene);
+  EXPECT_FALSE(bytes.empty()) << exporter->GetStatus().GetErrorString();
+  return bytes;
+}
+
+HostTrip::HostTrip(const HostStage& stage) {
+  corvanta::RegisterHostClasses();
+  RegisterTavrilonClasses();
+  EXPECT_TRUE(corvanta::ResetScene());
+  GetScene().units.centimetres = stage.centimetres;
+  GetScene().units.upAxis = stage.upAxis;
+}
+
+bool HostTrip::Import(std::vector<uint8_t> file, const FbxImportOptions& options) {
+  return ImportFbx(std::move(file), L"made.fbx", options, imported);
+}
+
+bool HostTrip::Export(const std::function<bool(corvanta::INode&)>& isWanted, const FbxExportOptions& options) {
+  std::vector<corvanta::INode*> nodes;
+  for (const auto& node : GetScene().Nodes())
+    if (!isWanted || isWanted(*node)) nodes.push_back(node.Get());
+  std::string folder = (std::filesystem::temp_directory_path() / "fbx_XXXXXX").string();
+  if (!mkdtemp(folder.data())) return false;
+  const std::string out = folder + "/out.fbx";
+  const bool done = ExportFbx(nodes, FromUtf8(out), options, exported);
+  if (done) bytes = FileBytes(out);
+  std::filesystem::remove_all(folder);
+  return done;
+}
+
+bool HostTrip::Run(std::vector<uint8_t> file, const FbxImportOptions& options) {
+  const bool done = Import(std::move(file), options) && Export();
+  EXPECT_TRUE(done) << Log();
+  return done;
+}
+
+std::string HostTrip::Log() const {
+  std::string text;
+  for (const corvanta::ExchangeReport* report : {&imported, &exported}) {
+    text += ToUtf8(report->error) + "\n";
+    for (const corvanta::WStr& line : report->log) text += ToUtf8(line) + "\n";
+  }
+  return text;
+}
+
+void Deviation::Add(const Affine& found, const Affine& wanted) {
+  place = std::max(place, Length(found.row[3] - wanted.row[3]));
+  for (int i = 0; i < 3; ++i) {
+    const Vector3 &f = found.row[i], &w = wanted.row[i];
+    degrees = std::max(degrees, std::atan2(Length(Cross(f, w)), Dot(f, w)) / kDegreesToRadians);
+    scale = std::max(scale, std::abs(Length(f) / Length(w) - 1));
+  }
+}
+
+void Deviation::Add(const Deviation& other) {
+  place = std::max(place, other.place);
+  degrees = std::max(degrees, other.degrees);
+  scale = std::max(scale, other.scale);
+}
+
+}  // namespace tavrilon::fbx

@@ -12,7 +12,7 @@ namespace {
 
 using namespace tavrilon::fbx;
 
-constexpr char kWalk[] = TAVRILON_SOURCE_DIR "/tests/data/fbx/mixamo_walk.fbx";
+constexpr char kWalk[] = TAVRILON_SOURCE_DIR "/examples/mixamo_walk.fbx";
 constexpr int kCurves = 900, kKeys = 250;
 constexpr int64_t kTicksPerFrame = 1539538600;
 

@@ -17,7 +17,7 @@ namespace {
 using namespace corvanta;
 using namespace tavrilon;
 
-constexpr char kWalk[] = TAVRILON_SOURCE_DIR "/tests/data/fbx/mixamo_walk.fbx";
+constexpr char kWalk[] = TAVRILON_SOURCE_DIR "/examples/mixamo_walk.fbx";
 
 void BM_Import(benchmark::State& state, bool animation) {
   RegisterHostClasses();

@@ -46,8 +46,8 @@ namespace {
 using namespace corvanta;
 using namespace tavrilon;
 
-const char* const kFiles[] = {TAVRILON_SOURCE_DIR "/tests/data/fbx/mixamo_walk.fbx",
-                              TAVRILON_SOURCE_DIR "/tests/data/fbx/character_skinned.fbx"};
+const char* const kFiles[] = {TAVRILON_SOURCE_DIR "/examples/mixamo_walk.fbx",
+                              TAVRILON_SOURCE_DIR "/examples/character_skinned.fbx"};
 
 /// Runs `work` for each pass and tells the peak of the last one.
 template <class Work>

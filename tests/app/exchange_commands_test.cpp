@@ -8,8 +8,8 @@ class ExchangeCommands : public ProgramTest {
  protected:
   void SetUp() override {
     ProgramTest::SetUp();
-    std::filesystem::copy_file(TAVRILON_SOURCE_DIR "/tests/data/fbx/character_skinned.fbx", File("character.fbx"));
-    std::filesystem::copy_file(TAVRILON_SOURCE_DIR "/tests/data/fbx/mixamo_walk.fbx", File("walk.fbx"));
+    std::filesystem::copy_file(TAVRILON_SOURCE_DIR "/examples/character_skinned.fbx", File("character.fbx"));
+    std::filesystem::copy_file(TAVRILON_SOURCE_DIR "/examples/mixamo_walk.fbx", File("walk.fbx"));
     Write("junk.fbx", "junk");
     Write("cut.fbx", Read("walk.fbx").substr(0, 100000));
   }

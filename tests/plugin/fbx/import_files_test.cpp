@@ -13,7 +13,7 @@ using namespace fbx;
 
 const char* const kFiles[] = {"character_skinned.fbx", "mixamo_walk.fbx"};
 
-std::string PathOf(const std::string& name) { return std::string(TAVRILON_SOURCE_DIR) + "/tests/data/fbx/" + name; }
+std::string PathOf(const std::string& name) { return std::string(TAVRILON_SOURCE_DIR) + "/examples/" + name; }
 
 std::unique_ptr<FbxScene> Read(const std::string& name) {
   const auto manager = FbxManager::Create();

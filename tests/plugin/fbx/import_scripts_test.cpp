@@ -25,7 +25,7 @@ class ImportScripts : public ImportTest {
   std::string Run(const WStr& text) {
     output_.clear();
     WStr script = text;
-    const WStr folder = FromUtf8(TAVRILON_SOURCE_DIR "/tests/data/fbx/");
+    const WStr folder = FromUtf8(TAVRILON_SOURCE_DIR "/examples/");
     for (size_t at; (at = script.find(L"DATA/")) != WStr::npos;) script.replace(at, 5, folder);
     const ScriptOutcome outcome = RunScript(script, L"test");
     return ToUtf8(outcome.ok ? output_ : outcome.report);

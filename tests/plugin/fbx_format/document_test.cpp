@@ -93,7 +93,7 @@ TEST(FbxDocument, DataFiles) {
   for (const DataFile& file : kDataFiles) {
     SCOPED_TRACE(file.name);
     FbxDocument document;
-    ASSERT_TRUE(document.Load(std::string(TAVRILON_SOURCE_DIR "/tests/data/fbx/") + file.name))
+    ASSERT_TRUE(document.Load(std::string(TAVRILON_SOURCE_DIR "/examples/") + file.name))
         << document.GetStatus().GetErrorString();
     EXPECT_EQ(document.Version(), 7400);
     EXPECT_FALSE(document.IsAscii());
@@ -343,7 +343,7 @@ TEST(FbxDocument, DamageIsNamed) {
   std::fill_n(closed.begin() + kInner, 13, uint8_t{0});
   EXPECT_EQ(ErrorOf(closed), "f.fbx: byte 58, Outer: the block is closed before the end of its record, byte 93");
   FbxDocument document;
-  EXPECT_FALSE(document.Load(TAVRILON_SOURCE_DIR "/tests/data/fbx"));
+  EXPECT_FALSE(document.Load(TAVRILON_SOURCE_DIR "/examples"));
   EXPECT_FALSE(document.Load("no such file.fbx"));
   EXPECT_EQ(document.GetStatus().GetErrorString(), "no such file.fbx: cannot be read: No such file or directory");
   EXPECT_EQ(ErrorOf(ToBytes("v 1 2 3\nf 1 2 3\n")).rfind("f.fbx: this is no FBX file", 0), 0u);

@@ -235,7 +235,7 @@ inline Bytes ToAscii(const Forest& forest) {
 }
 
 inline Bytes ReadDataFile(const std::string& name) {
-  std::ifstream in(TAVRILON_SOURCE_DIR "/tests/data/fbx/" + name, std::ios::binary);
+  std::ifstream in(TAVRILON_SOURCE_DIR "/examples/" + name, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), {}};
 }
 

@@ -67,7 +67,7 @@ TEST(FbxSceneReader, SkinOfTheCharacter) {
     }
   }
   for (double sum : sums) EXPECT_NEAR(sum, 1, 1e-5);  // the file's weights were floats
-  std::ifstream table(DataFile("character_joints.csv"));
+  std::ifstream table(TAVRILON_SOURCE_DIR "/tests/data/fbx/character_joints.csv");
   std::string line;
   int rows = 0;
   while (std::getline(table, line)) {

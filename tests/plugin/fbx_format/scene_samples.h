@@ -68,7 +68,7 @@ inline std::unique_ptr<Imported> ReadText(const std::string& text) {
 }
 
 inline std::string DataFile(const std::string& name) {
-  return std::string(TAVRILON_SOURCE_DIR) + "/tests/data/fbx/" + name;
+  return std::string(TAVRILON_SOURCE_DIR) + "/examples/" + name;
 }
 
 }  // namespace tavrilon::fbx

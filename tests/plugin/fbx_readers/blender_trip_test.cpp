@@ -43,11 +43,11 @@ class BlenderTrip : public testing::Test {
 };
 
 TEST_F(BlenderTrip, Walk) {
-  EXPECT_EQ(Differences(FileBytes(TAVRILON_SOURCE_DIR "/tests/data/fbx/mixamo_walk.fbx"), "0 8", ""), "");
+  EXPECT_EQ(Differences(FileBytes(TAVRILON_SOURCE_DIR "/examples/mixamo_walk.fbx"), "0 8", ""), "");
 }
 
 TEST_F(BlenderTrip, CharacterWithShapes) {
-  EXPECT_EQ(Differences(FileBytes(TAVRILON_SOURCE_DIR "/tests/data/fbx/character_skinned.fbx"), "0 0", ""), "");
+  EXPECT_EQ(Differences(FileBytes(TAVRILON_SOURCE_DIR "/examples/character_skinned.fbx"), "0 0", ""), "");
 }
 
 // One order of rotation, which Blender reads rightly, and pre-rotation only.

@@ -24,8 +24,9 @@ struct RoundTrip {
   size_t numBones;
 };
 // The box is an ASCII file.
-const RoundTrip kFiles[] = {
-    {"character_skinned.fbx", 0, 53}, {"mixamo_walk.fbx", 1.0, 53}, {"ascii_box.fbx", 0.334, 3}};
+const RoundTrip kFiles[] = {{"examples/character_skinned.fbx", 0, 53},
+                            {"examples/mixamo_walk.fbx", 1.0, 53},
+                            {"tests/data/fbx/ascii_box.fbx", 0.334, 3}};
 
 // In and out again, standing as the file stood.
 std::vector<uint8_t> ThereAndBack(const std::vector<uint8_t>& file) {
@@ -52,7 +53,7 @@ std::string ParentName(const AssimpFile& file, int node) {
 class ReadersRoundTrip : public testing::TestWithParam<RoundTrip> {
  protected:
   void SetUp() override {
-    const std::string path = std::string(TAVRILON_SOURCE_DIR "/tests/data/fbx/") + GetParam().file;
+    const std::string path = std::string(TAVRILON_SOURCE_DIR "/") + GetParam().file;
     fileBefore_ = FileBytes(path);
     fileAfter_ = ThereAndBack(fileBefore_);
     ASSERT_TRUE(before_.Read(fileBefore_)) << before_.error;

@@ -2,11 +2,12 @@
 // The bone: a tapered solid along X with optional fins. Taper is in percent: 90 ends almost in a point, 0 is a box.
 #pragma once
 
+#include "host/core/block_owner.h"
 #include "host/scene/object.h"
 
 namespace corvanta {
 
-class BoneObject final : public GeomObject {
+class BoneObject final : public BlockOwner<GeomObject> {
  public:
   enum Param : ParamID { kWidth = 0, kHeight = 1, kTaper = 2, kLength = 3, kSideFins = 4, kFrontFin = 5, kBackFin = 6 };
   explicit BoneObject(bool loading = false);
@@ -20,16 +21,6 @@ class BoneObject final : public GeomObject {
   void Display(TimeValue t, INode* node, GraphicsWindow& view) override;
   Box3 GetLocalBoundBox(TimeValue t, INode* node) override;
   ParamBlock2* GetParamBlock() override { return block_; }
-  int NumRefs() const override { return 1; }
-  ReferenceTarget* GetReference(int which) const override { return which == 0 ? block_ : nullptr; }
-  int NumSubs() const override { return 1; }
-  Animatable* SubAnim(int i) override { return block_; }
-  WStr SubAnimName(int i) override { return L"Parameters"; }
-
- protected:
-  void SetReference(int which, ReferenceTarget* target) override {
-    if (which == 0) block_ = static_cast<ParamBlock2*>(target);
-  }
 
  private:
   ParamBlock2* block_ = nullptr;

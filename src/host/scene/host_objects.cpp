@@ -64,9 +64,7 @@ const ParamBlockDesc2& BoneObject::BlockDesc() {
   return desc;
 }
 
-PointHelper::PointHelper(bool loading) {
-  if (!loading) BindReference(0, new ParamBlock2(BlockDesc()));
-}
+PointHelper::PointHelper(bool loading) : BlockOwner(BlockDesc(), loading) {}
 
 Box3 PointHelper::GetLocalBoundBox(TimeValue t, INode*) {
   if (!block_) return {};
@@ -74,9 +72,7 @@ Box3 PointHelper::GetLocalBoundBox(TimeValue t, INode*) {
   return {{-h, -h, -h}, {h, h, h}};
 }
 
-BoneObject::BoneObject(bool loading) {
-  if (!loading) BindReference(0, new ParamBlock2(BlockDesc()));
-}
+BoneObject::BoneObject(bool loading) : BlockOwner(BlockDesc(), loading) {}
 
 Box3 BoneObject::GetLocalBoundBox(TimeValue t, INode*) {
   if (!block_) return {};

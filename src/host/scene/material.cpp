@@ -90,10 +90,6 @@ constexpr Colour kGrey{0.5f, 0.5f, 0.5f};
 
 }  // namespace
 
-MaterialBase::MaterialBase(const ParamBlockDesc2& desc, bool loading) {
-  if (!loading) BindReference(0, new ParamBlock2(desc));
-}
-
 void MaterialBase::SetName(const WStr& name) {
   if (name_ == name) return;
   RecordState(this, &MaterialBase::name_);

@@ -3,24 +3,19 @@
 // are in parameter blocks; nothing here renders but the base colour.
 #pragma once
 
-#include "host/core/param_block.h"
+#include "host/core/block_owner.h"
 #include "host/maths/colour.h"
 
 namespace corvanta {
 
 /// Base of materials and maps: a name and one parameter block. References: 0 the block.
-class MaterialBase : public ReferenceTarget {
+class MaterialBase : public BlockOwner<ReferenceTarget> {
  public:
   const WStr& GetName() const { return name_; }
   /// Undoable.
   void SetName(const WStr& name);
   ParamBlock2* GetParamBlock() const { return block_; }
 
-  int NumRefs() const override { return 1; }
-  ReferenceTarget* GetReference(int which) const override { return which == 0 ? block_ : nullptr; }
-  int NumSubs() const override { return 1; }
-  Animatable* SubAnim(int i) override { return block_; }
-  WStr SubAnimName(int i) override { return L"Parameters"; }
   IOResult Save(ISave& save) override;
   IOResult Load(ILoad& load) override;
   void CopyStateFrom(ReferenceTarget& source, RemapDir& remap) override;
@@ -29,13 +24,9 @@ class MaterialBase : public ReferenceTarget {
  protected:
   /// Without a block, for placeholders of unknown classes.
   MaterialBase() = default;
-  MaterialBase(const ParamBlockDesc2& desc, bool loading);
-  void SetReference(int which, ReferenceTarget* target) override {
-    if (which == 0) block_ = static_cast<ParamBlock2*>(target);
-  }
+  MaterialBase(const ParamBlockDesc2& desc, bool loading) : BlockOwner(desc, loading) {}
 
  private:
-  ParamBlock2* block_ = nullptr;
   WStr name_;
 };
 

@@ -82,9 +82,7 @@ const ParamBlockDesc2& MorphChannel::BlockDesc() {
   return desc;
 }
 
-MorphChannel::MorphChannel(bool loading) {
-  if (!loading) BindReference(0, new ParamBlock2(BlockDesc()));
-}
+MorphChannel::MorphChannel(bool loading) : BlockOwner(BlockDesc(), loading) {}
 
 WStr MorphChannel::GetName() const { return block_ ? block_->GetStr(kName) : WStr(); }
 void MorphChannel::SetName(const WStr& name) {

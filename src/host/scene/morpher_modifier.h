@@ -2,6 +2,7 @@
 // Morpher: weighted offsets of points, in channels with one target or several on the way.
 #pragma once
 
+#include "host/core/block_owner.h"
 #include "host/scene/mesh_object.h"
 
 namespace corvanta {
@@ -21,7 +22,7 @@ std::string FaultOf(const std::vector<MorphTarget>& targets);
 
 /// One channel: a weight in percent, and its targets by rising percent. Between two targets their offsets are mixed;
 /// beyond the last the mix goes on.
-class MorphChannel final : public ReferenceTarget {
+class MorphChannel final : public BlockOwner<ReferenceTarget> {
  public:
   enum Param : ParamID { kName = 0, kWeight = 1, kEnabled = 2 };
   explicit MorphChannel(bool loading = false);
@@ -45,23 +46,12 @@ class MorphChannel final : public ReferenceTarget {
   void AddTo(TimeValue t, MeshState& state) const;
 
   ParamBlock2* GetParamBlock() const { return block_; }
-  int NumRefs() const override { return 1; }
-  ReferenceTarget* GetReference(int which) const override { return which == 0 ? block_ : nullptr; }
-  int NumSubs() const override { return 1; }
-  Animatable* SubAnim(int i) override { return block_; }
-  WStr SubAnimName(int i) override { return L"Parameters"; }
   IOResult Save(ISave& save) override;
   IOResult Load(ILoad& load) override;
   void CopyStateFrom(ReferenceTarget& source, RemapDir& remap) override;
   void StateRestored();
 
- protected:
-  void SetReference(int which, ReferenceTarget* target) override {
-    if (which == 0) block_ = static_cast<ParamBlock2*>(target);
-  }
-
  private:
-  ParamBlock2* block_ = nullptr;
   std::shared_ptr<const std::vector<MorphTarget>> targets_ = std::make_shared<std::vector<MorphTarget>>();
 };
 

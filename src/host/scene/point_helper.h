@@ -2,11 +2,12 @@
 // The point helper: a place with a size, drawn as a box, a cross, an axis tripod or a centre mark.
 #pragma once
 
+#include "host/core/block_owner.h"
 #include "host/scene/object.h"
 
 namespace corvanta {
 
-class PointHelper final : public HelperObject {
+class PointHelper final : public BlockOwner<HelperObject> {
  public:
   enum Param : ParamID {
     kSize = 0,
@@ -27,16 +28,6 @@ class PointHelper final : public HelperObject {
   void Display(TimeValue t, INode* node, GraphicsWindow& view) override;
   Box3 GetLocalBoundBox(TimeValue t, INode* node) override;
   ParamBlock2* GetParamBlock() override { return block_; }
-  int NumRefs() const override { return 1; }
-  ReferenceTarget* GetReference(int which) const override { return which == 0 ? block_ : nullptr; }
-  int NumSubs() const override { return 1; }
-  Animatable* SubAnim(int i) override { return block_; }
-  WStr SubAnimName(int i) override { return L"Parameters"; }
-
- protected:
-  void SetReference(int which, ReferenceTarget* target) override {
-    if (which == 0) block_ = static_cast<ParamBlock2*>(target);
-  }
 
  private:
   ParamBlock2* block_ = nullptr;

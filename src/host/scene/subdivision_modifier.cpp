@@ -36,9 +36,7 @@ const ParamBlockDesc2& SubdivisionModifier::BlockDesc() {
   return desc;
 }
 
-SubdivisionModifier::SubdivisionModifier(bool loading) {
-  if (!loading) BindReference(0, new ParamBlock2(BlockDesc()));
-}
+SubdivisionModifier::SubdivisionModifier(bool loading) : BlockOwner(BlockDesc(), loading) {}
 
 int SubdivisionModifier::GetLevels() const { return block_ ? std::clamp(block_->GetInt(kLevels), 0, kMaxLevels) : 0; }
 

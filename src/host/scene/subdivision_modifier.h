@@ -2,11 +2,12 @@
 // Subdivision: a smooth surface over a mesh.
 #pragma once
 
+#include "host/core/block_owner.h"
 #include "host/scene/mesh_object.h"
 
 namespace corvanta {
 
-class SubdivisionModifier final : public Modifier {
+class SubdivisionModifier final : public BlockOwner<Modifier> {
  public:
   enum Param : ParamID { kLevels = 0, kEnabled = 1 };
   static constexpr int kMaxLevels = 5;
@@ -21,19 +22,8 @@ class SubdivisionModifier final : public Modifier {
   int GetLevels() const;
   void ModifyMesh(TimeValue t, INode* node, MeshState& state) override;
   ParamBlock2* GetParamBlock() override { return block_; }
-  int NumRefs() const override { return 1; }
-  ReferenceTarget* GetReference(int which) const override { return which == 0 ? block_ : nullptr; }
-  int NumSubs() const override { return 1; }
-  Animatable* SubAnim(int i) override { return block_; }
-  WStr SubAnimName(int i) override { return L"Parameters"; }
-
- protected:
-  void SetReference(int which, ReferenceTarget* target) override {
-    if (which == 0) block_ = static_cast<ParamBlock2*>(target);
-  }
 
  private:
-  ParamBlock2* block_ = nullptr;
   // The topology made for the mesh below, kept while that and the levels stay.
   std::shared_ptr<const Mesh> source_;
   int sourceLevels_ = 0;

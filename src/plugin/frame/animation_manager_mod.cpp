@@ -31,9 +31,7 @@ const ParamBlockDesc2& AnimationManagerMod::BlockDesc() {
   return desc;
 }
 
-AnimationManagerMod::AnimationManagerMod(bool loading) {
-  if (!loading) BindReference(0, new ParamBlock2(BlockDesc()));
-}
+AnimationManagerMod::AnimationManagerMod(bool loading) : BlockOwner(BlockDesc(), loading) {}
 
 ReferenceTarget* CreateAnimationManagerMod(bool loading) { return new AnimationManagerMod(loading); }
 

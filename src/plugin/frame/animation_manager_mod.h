@@ -2,12 +2,13 @@
 // The modifier that makes a node a member of a rig: its tag, its group and its mirror. It passes the object through.
 #pragma once
 
+#include "host/core/block_owner.h"
 #include "host/scene/object.h"
 #include "plugin/frame/class_table.h"
 
 namespace tavrilon {
 
-class AnimationManagerMod final : public corvanta::Modifier {
+class AnimationManagerMod final : public corvanta::BlockOwner<corvanta::Modifier> {
  public:
   enum Param : corvanta::ParamID {
     kTags = 0,
@@ -30,20 +31,7 @@ class AnimationManagerMod final : public corvanta::Modifier {
   static const corvanta::ParamBlockDesc2& BlockDesc();
 
   corvanta::ParamBlock2* GetParamBlock() override { return block_; }
-  int NumRefs() const override { return 1; }
-  corvanta::ReferenceTarget* GetReference(int which) const override { return which == 0 ? block_ : nullptr; }
-  int NumSubs() const override { return 1; }
-  corvanta::Animatable* SubAnim(int i) override { return i == 0 ? block_ : nullptr; }
-  corvanta::WStr SubAnimName(int i) override { return L"Parameters"; }
   int SubNumToRefNum(int i) override { return i; }
-
- protected:
-  void SetReference(int which, corvanta::ReferenceTarget* target) override {
-    if (which == 0) block_ = static_cast<corvanta::ParamBlock2*>(target);
-  }
-
- private:
-  corvanta::ParamBlock2* block_ = nullptr;
 };
 
 }  // namespace tavrilon

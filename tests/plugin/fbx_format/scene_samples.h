@@ -67,8 +67,6 @@ inline std::unique_ptr<Imported> ReadText(const std::string& text) {
   return read;
 }
 
-inline std::string DataFile(const std::string& name) {
-  return std::string(TAVRILON_SOURCE_DIR) + "/examples/" + name;
-}
+inline std::string DataFile(const std::string& name) { return std::string(TAVRILON_SOURCE_DIR) + "/examples/" + name; }
 
 }  // namespace tavrilon::fbx

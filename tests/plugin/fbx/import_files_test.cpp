@@ -59,42 +59,11 @@ class ImportFiles : public ImportTest {
     }
   }
 
-  /// Control points with blend shapes of one target each.
-  std::vector<Vector3> MorphedPoints(const FbxMesh& mesh, TimeValue t) {
-    std::vector<Vector3> points = mesh.controlPoints;
-    for (const FbxBlendShape* blend : mesh.blendShapes) {
-      for (const FbxBlendShapeChannel* channel : blend->channels) {
-        EXPECT_EQ(channel->shapes.size(), 1u);
-        const double share = evaluator_->DeformPercent(channel, fbx_import::FileTimeOf(t)) / 100;
-        const FbxShape& shape = channel->shapes[0];
-        for (size_t i = 0; i < shape.indices.size(); ++i) {
-          Vector3& point = points[static_cast<size_t>(shape.indices[i])];
-          point = point + shape.offsets[i] * share;
-        }
-      }
-    }
+  /// In the host's axes and unit.
+  std::vector<Vector3> SkinnedPoints(const FbxNode& node, TimeValue t) {
+    std::vector<Vector3> points = PointsInTheWorld(*evaluator_, node, fbx_import::FileTimeOf(t));
+    for (Vector3& point : points) point = point * turn_ * unit_;
     return points;
-  }
-
-  /// Linear blend skinning by the file's own clusters.
-  std::vector<Vector3> SkinnedPoints(const FbxNode& node, const FbxMesh& mesh, TimeValue t) {
-    const std::vector<Vector3> points = MorphedPoints(mesh, t);
-    std::vector<Vector3> sums(mesh.controlPoints.size());
-    std::vector<double> weights(sums.size());
-    for (const FbxCluster& cluster : mesh.skins[0]->clusters) {
-      const Affine bind = GeometricMatrix(node.transform) * cluster.transform;  // to the bone's space
-      const Affine moved = bind * evaluator_->World(cluster.link, fbx_import::FileTimeOf(t));
-      for (size_t i = 0; i < cluster.indices.size(); ++i) {
-        const auto point = static_cast<size_t>(cluster.indices[i]);
-        sums[point] = sums[point] + (points[point] * moved) * cluster.weights[i];
-        weights[point] += cluster.weights[i];
-      }
-    }
-    for (size_t i = 0; i < sums.size(); ++i) {
-      EXPECT_GT(weights[i], 0.5);
-      sums[i] = (sums[i] * (1 / weights[i])) * turn_ * unit_;
-    }
-    return sums;
   }
 
   std::unique_ptr<FbxScene> twin_;
@@ -116,35 +85,24 @@ double FarthestPoint(INode& node, TimeValue t, const std::vector<Vector3>& expec
   return farthest;
 }
 
-// 0.1 mm and 0.01 degree, as for any figure of human size.
-TEST_F(ImportFiles, EveryNodeOnEveryFrame) {
+TEST_F(ImportFiles, EveryNodeOnEveryFrameAndItsPoints) {
   for (const char* file : kFiles) {
     SCOPED_TRACE(file);
     Open(file);
-    Distance worst;
+    Deviation worst;
     for (const TimeValue t : times_) {
       for (const FbxNode* node : twin_->Nodes()) {
         ASSERT_TRUE(Host(*node)) << node->GetName();
-        const Distance d = DistanceOf(ToAffine(Host(*node)->GetNodeTM(t)), World(node, t));
-        worst.place = std::max(worst.place, d.place);
-        worst.degrees = std::max(worst.degrees, d.degrees);
+        worst.Add(ToAffine(Host(*node)->GetNodeTM(t)), World(node, t));
       }
     }
-    EXPECT_LT(worst.place, 0.01);
-    EXPECT_LT(worst.degrees, 0.01);
-  }
-}
-
-TEST_F(ImportFiles, SkinnedPointsOnFrames) {
-  for (const char* file : kFiles) {
-    SCOPED_TRACE(file);
-    Open(file);
+    ExpectClose(worst, {kFigureBounds.place, kFigureBounds.degrees, INFINITY});
     int skins = 0;
-    ForEachSkin([&](const FbxNode& node, const FbxMesh& mesh, INode& host) {
+    ForEachSkin([&](const FbxNode& node, const FbxMesh&, INode& host) {
       ++skins;
       for (size_t i = 0; i < times_.size(); i += 1 + times_.size() / 5) {
         // What the bones may be off, and a skin's single precision.
-        EXPECT_LT(FarthestPoint(host, times_[i], SkinnedPoints(node, mesh, times_[i])), 0.015) << node.GetName();
+        EXPECT_LT(FarthestPoint(host, times_[i], SkinnedPoints(node, times_[i])), 0.015) << node.GetName();
       }
     });
     EXPECT_GT(skins, 0);
@@ -167,9 +125,9 @@ TEST_F(ImportFiles, BonesAtBindLeaveTheMeshAsItIs) {
       for (int i = 0; i < skin->NumBones(); ++i) skin->GetBone(i)->SetNodeTM(0, skin->GetBoneBindTM(i));
       const FbxCluster& first = mesh.skins[0]->clusters[0];
       const Affine bind = Converted(GeometricMatrix(node.transform) * first.transform * first.transformLink);
-      EXPECT_LT(DistanceOf(ToAffine(skin->GetMeshBindTM()), bind).place, 1e-4);  // single precision
+      EXPECT_LT(Length(ToAffine(skin->GetMeshBindTM()).row[3] - bind.row[3]), 1e-4);  // single precision
       std::vector<Vector3> expected;
-      for (const Vector3& point : MorphedPoints(mesh, 0))
+      for (const Vector3& point : ShapedPoints(*evaluator_, mesh, {}))
         expected.push_back((point * unit_) * ToAffine(skin->GetMeshBindTM()));
       EXPECT_LT(FarthestPoint(host, 0, expected), 1e-3) << node.GetName();  // single precision
     });

@@ -115,6 +115,36 @@ TEST_F(ImportNodes, ARangeOfAnotherSceneIsWidened) {
   EXPECT_EQ(GetScene().time.range, (Interval{0, 2000}));
 }
 
+TEST_F(ImportNodes, ChannelsThatStayAreValues) {
+  const auto scene = NewScene();
+  FbxNode* node = AddBone(*scene, "bone", nullptr, {1, 2, 3});
+  FbxAnimLayer* layer = AddStack(*scene, "take");
+  FbxAnimCurveNode* move = AddCurves(*scene, *layer, node, "Lcl Translation");
+  FbxAnimCurveNode* turn = AddCurves(*scene, *layer, node, "Lcl Rotation");
+  move->defaults = {1, 2, 3};
+  for (const int frame : {0, kFrames}) {
+    // Within a hundred-thousandth: nothing moves.
+    move->curves[0].times.push_back(FrameTime(frame).ticks);
+    move->curves[0].values.push_back(frame == 0 ? 1.0f : 1.000009f);
+    turn->curves[2].times.push_back(FrameTime(frame).ticks);
+    turn->curves[2].values.push_back(frame == 0 ? 0.0f : 720.0f);
+  }
+  move->curves[0].shapes = turn->curves[2].shapes = {KeyShape()};
+  ASSERT_TRUE(Import(*scene)) << Log();
+  Control* tm = GetScene().Nodes()[0]->GetTMController();
+  EXPECT_EQ(tm->GetPositionController()->NumKeys(), 0);
+  EXPECT_EQ(tm->GetScaleController()->NumKeys(), 0);
+  EXPECT_EQ(tm->GetRotationController()->GetXController()->NumKeys(), 0);
+  EXPECT_EQ(tm->GetRotationController()->GetYController()->NumKeys(), 0);
+  // A straight line needs its ends only, and two whole turns are not lost.
+  Control* z = tm->GetRotationController()->GetZController();
+  EXPECT_EQ(z->NumKeys(), 2);
+  float end = 0;
+  Interval valid = FOREVER;
+  z->GetValue(kFrames * 200, end, valid);
+  EXPECT_NEAR(end, 4 * M_PI, 1e-5);  // single precision of twelve
+}
+
 /// Bones, a mesh with everything on it, and animation.
 std::unique_ptr<FbxScene> FullScene() {
   Dice dice(3);
@@ -185,6 +215,7 @@ TEST_F(ImportNodes, AFailureLeavesTheSceneAsItWas) {
        L"Enable skeletal mesh or animation import."},
       {"too many nodes", [](auto& o) { o.limits.maxNodes = 2; },
        L"The file has more than 2 nodes, which is more than can be imported."},
+      {"another stack", [](auto& o) { o.stack = L"swim"; }, L"The file has no animation stack \"swim\". It has: take"},
       {"no scale", [](auto& o) { o.scaleFactor = 0; }, L"The scale of the import is not sound."},
       {"stopped", [](auto&) { SetProgressHook([](const WStr&, double share) { return share < 0.75; }); }, L"Stopped."},
   };

@@ -140,11 +140,4 @@ void CharacterScene::Animate() {
   animate(smile, "DeformPercent", 1, {50, 0, 0}, 50);
 }
 
-std::vector<uint8_t> CharacterScene::Written(int format) const {
-  const std::unique_ptr<FbxManager> manager = FbxManager::Create();
-  const std::unique_ptr<FbxExporter> exporter = FbxExporter::Create(*manager, "character");
-  exporter->Initialize("character.fbx", format);
-  return exporter->Write(*scene);
-}
-
 }  // namespace tavrilon::fbx

@@ -73,19 +73,4 @@ std::string HostTrip::Log() const {
   return text;
 }
 
-void Deviation::Add(const Affine& found, const Affine& wanted) {
-  place = std::max(place, Length(found.row[3] - wanted.row[3]));
-  for (int i = 0; i < 3; ++i) {
-    const Vector3 &f = found.row[i], &w = wanted.row[i];
-    degrees = std::max(degrees, std::atan2(Length(Cross(f, w)), Dot(f, w)) / kDegreesToRadians);
-    scale = std::max(scale, std::abs(Length(f) / Length(w) - 1));
-  }
-}
-
-void Deviation::Add(const Deviation& other) {
-  place = std::max(place, other.place);
-  degrees = std::max(degrees, other.degrees);
-  scale = std::max(scale, other.scale);
-}
-
 }  // namespace tavrilon::fbx

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-// FBX files into the host's scene and out again, and how far matrices are apart.
+// FBX files into the host's scene and out again.
 #pragma once
 
-#include <algorithm>
 #include <functional>
 #include <vector>
 
@@ -39,13 +38,6 @@ class HostTrip {
 
   std::vector<uint8_t> bytes;
   corvanta::ExchangeReport imported, exported;
-};
-
-/// How far matrices are apart: places, turns of axes in degrees, lengths of axes as a share.
-struct Deviation {
-  double place = 0, degrees = 0, scale = 0;
-  void Add(const Affine& found, const Affine& wanted);
-  void Add(const Deviation& other);
 };
 
 }  // namespace tavrilon::fbx

@@ -477,9 +477,17 @@ TEST_F(ExportMesh, MaterialsByParameterNames) {
   auto mesh = std::make_shared<Mesh>(FullCube(2));
   mesh->materials = {0, 1, 2, 3, 4, 5};
   static_cast<MeshObject*>(node->GetBaseObject())->SetMesh(mesh);
+  INode* other = MeshNode(Cube(1));
+  other->SetName(L"other");
+  other->SetMtl(red);
+  MeshNode(Cube(1))->SetName(L"bare");
   const auto scene = BuildAll();
   const FbxNode* out = FindOut(*scene, "skin");
   ASSERT_EQ(out->materials.size(), 2u) << "one that is in the list twice goes out once";
+  EXPECT_EQ(scene->Materials().size(), 2u) << "so does one on two nodes";
+  EXPECT_EQ(FindOut(*scene, "other")->materials, std::vector<FbxSurfaceMaterial*>{out->materials[0]});
+  EXPECT_EQ(MeshOut(*scene, "other").materials.mapping, Mapping::AllSame);
+  EXPECT_TRUE(FindOut(*scene, "bare")->materials.empty());
   EXPECT_EQ(MeshOut(*scene, "skin").materials.values, (std::vector<int>{0, 1, 0, 0, 1, 0})) << "IDs go round the list";
   const FbxSurfaceMaterial& first = *out->materials[0];
   EXPECT_EQ(first.GetName(), "red");
@@ -508,22 +516,6 @@ TEST_F(ExportMesh, MaterialsByParameterNames) {
   const FbxSurfaceMaterial& blended = *FindOut(*pictured, "skin")->materials[1];
   EXPECT_EQ(blended.textures.at(0).texture->fileName, "second.png");
   EXPECT_TRUE(HasLogged(L"'mix'"));
-}
-
-// One material on two nodes is one material in the file; a node without any has none.
-TEST_F(ExportMesh, SharedMaterialsGoOutOnce) {
-  auto* material = new PhysicalMaterial;
-  for (const wchar_t* name : {L"a", L"b"}) {
-    INode* node = MeshNode(Cube(1));
-    node->SetName(name);
-    node->SetMtl(material);
-  }
-  MeshNode(Cube(1))->SetName(L"bare");
-  const auto scene = BuildAll();
-  EXPECT_EQ(scene->Materials().size(), 1u);
-  EXPECT_EQ(FindOut(*scene, "a")->materials, FindOut(*scene, "b")->materials);
-  EXPECT_TRUE(FindOut(*scene, "bare")->materials.empty());
-  EXPECT_EQ(MeshOut(*scene, "a").materials.mapping, Mapping::AllSame);
 }
 
 }  // namespace

@@ -284,16 +284,16 @@ TEST_F(ExportNodes, WithoutAnimationThePresentPoseStands) {
 // A still animation keeps its length, and the rate of the scene.
 TEST_F(ExportNodes, TimeModesAndSpan) {
   Bone(L"still");
+  FbxTime first, last;
+  BuildAll()->Stacks().at(0)->GetKeySpan(first, last);
+  EXPECT_EQ(first, fbx_export::ToFileTime(0));
+  EXPECT_EQ(last, fbx_export::ToFileTime(800));
   for (const auto& [rate, mode] : {std::pair(25, TimeMode::Pal), {30, TimeMode::Frames30}, {120, TimeMode::Custom}}) {
     GetScene().time.frameRate = rate;
     const auto scene = BuildAll();
     ASSERT_TRUE(scene);
     EXPECT_EQ(scene->GetGlobalSettings().GetTimeMode(), mode) << rate;
     EXPECT_EQ(scene->GetGlobalSettings().GetFrameRate(), rate);
-    FbxTime first, last;
-    scene->Stacks().at(0)->GetKeySpan(first, last);
-    EXPECT_EQ(first, fbx_export::ToFileTime(0));
-    EXPECT_EQ(last, fbx_export::ToFileTime(800));
   }
 }
 

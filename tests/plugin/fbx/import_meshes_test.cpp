@@ -90,9 +90,9 @@ TEST_F(ImportMeshes, NormalsAndMaterialIds) {
   EXPECT_EQ(mesh.normals, (std::vector<Point3>{{0, 0, 1}, {0, 1, 0}}));
   EXPECT_EQ(mesh.normalCorners, (std::vector<int>{0, 0, 0, 0, 1, 1, 1, 1}));
   EXPECT_EQ(mesh.materials, (std::vector<uint16_t>{1, 0}));
-}
 
-TEST_F(ImportMeshes, ANormalWithoutDirectionLeavesThemToBeComputed) {
+  // One without a direction leaves them to be computed.
+  ReplaceScene(std::make_unique<Scene>());
   mesh_->normals = {"", Mapping::AllSame, {{0, 0, 0}}, {}};
   EXPECT_TRUE(Imported().normals.empty());
   EXPECT_TRUE(IsLogged(L"have no direction")) << Log();

@@ -26,7 +26,6 @@ struct CharacterScene {
   static FbxTime FrameTime(int frame) { return FbxTime::FromSeconds(frame / kRate); }
 
  private:
-  FbxNode* Bone(FbxNode* parent, const char* name, const Vector3& translation, const Vector3& rotation);
   void MakeMesh();
   void MakeSkin();
   void MakeShape();

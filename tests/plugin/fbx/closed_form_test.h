@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "plugin/fbx/format/scene.h"
+#include "plugin/fbx/format/sdk.h"
 
 namespace tavrilon::fbx {
 
@@ -30,6 +30,32 @@ inline void ExpectClose(const Deviation& worst, const Deviation& bounds = kFigur
   EXPECT_LT(worst.place, bounds.place);
   EXPECT_LT(worst.degrees, bounds.degrees);
   EXPECT_LT(worst.scale, bounds.scale);
+}
+
+/// From the world of a file's scene to one of other axes and another unit.
+struct WorldChange {
+  Affine turn;
+  double unit = 1;
+  WorldChange() = default;
+  WorldChange(const FbxScene& from, const FbxAxisSystem& axes, double centimetres)
+      : turn(from.GetGlobalSettings().GetAxisSystem().ConversionTo(axes)),
+        unit(from.GetGlobalSettings().GetSystemUnit().centimetres / centimetres) {}
+  Affine operator()(Affine m) const {
+    m = m * turn;
+    m.row[3] = m.row[3] * unit;
+    return m;
+  }
+  Vector3 operator()(const Vector3& p) const { return p * turn * unit; }
+};
+
+/// By the format library's own reader: a file's name, or its bytes and a name for messages.
+template <class... Source>
+std::unique_ptr<FbxScene> ReadFbx(const Source&... source) {
+  const auto manager = FbxManager::Create();
+  const auto importer = FbxImporter::Create(*manager, "reader");
+  auto scene = FbxScene::Create("twin");
+  EXPECT_TRUE(importer->Initialize(source...) && importer->Import(*scene)) << importer->GetStatus().GetErrorString();
+  return scene;
 }
 
 /// Control points with their blend shapes, of one target each.

@@ -7,11 +7,11 @@
 #include "host/io/temp_folder_test.h"
 #include "host/maths/euler.h"
 #include "plugin/controllers/rig_control.h"
+#include "plugin/fbx/closed_form_test.h"
 #include "plugin/fbx/export_scene_test.h"
 #include "plugin/fbx/fbx_export_interface.h"
 #include "plugin/fbx/fbx_export_settings.h"
 #include "plugin/fbx/fbx_exporter.h"
-#include "plugin/fbx/format/sdk.h"
 #include "plugin/frame/find.h"
 #include "plugin/frame/library.h"
 #include "plugin/rig/rig_system.h"
@@ -95,11 +95,7 @@ TEST_F(ExportFile, BipedInMotionComesBackFromItsFile) {
     EXPECT_EQ(folder.CountEntries(), 2u);
     EXPECT_EQ(Bytes(first), Bytes(second)) << "the order of picking shows";
 
-    const auto manager = FbxManager::Create();
-    const auto importer = FbxImporter::Create(*manager, "");
-    const auto scene = FbxScene::Create("");
-    ASSERT_TRUE(importer->Initialize(ToUtf8(first)) && importer->Import(*scene))
-        << importer->GetStatus().GetErrorString();
+    const auto scene = ReadFbx(ToUtf8(first));
     EXPECT_EQ(scene->Nodes().size(), nodes.size());
     // Ten bones and more on one another, each off by up to 1e-4 degrees where thinned, at up to two metres' reach.
     ExpectSameWorlds(*scene, nodes, subSamples, 3e-5, 3e-3);

@@ -3,7 +3,6 @@
 #include "host/scene/mesh_object.h"
 #include "host/scene/skin_modifier.h"
 #include "import_scenes_test.h"
-#include "plugin/fbx/format/sdk.h"
 #include "plugin/fbx/importer/file_time.h"
 
 namespace tavrilon::import_test {
@@ -15,23 +14,14 @@ const char* const kFiles[] = {"character_skinned.fbx", "mixamo_walk.fbx"};
 
 std::string PathOf(const std::string& name) { return std::string(TAVRILON_SOURCE_DIR) + "/examples/" + name; }
 
-std::unique_ptr<FbxScene> Read(const std::string& name) {
-  const auto manager = FbxManager::Create();
-  const auto importer = FbxImporter::Create(*manager, "reader");
-  auto scene = FbxScene::Create("twin");
-  EXPECT_TRUE(importer->Initialize(PathOf(name)) && importer->Import(*scene)) << importer->GetStatus().GetErrorString();
-  return scene;
-}
-
 class ImportFiles : public ImportTest {
  protected:
   /// The file's own scene beside the host's, in its own axes and unit.
   void Open(const std::string& name) {
     ReplaceScene(std::make_unique<Scene>());
-    twin_ = Read(name);
+    twin_ = ReadFbx(PathOf(name));
     ASSERT_TRUE(ImportFbx(FromUtf8(PathOf(name)), {}, report)) << Log();
-    turn_ = twin_->GetGlobalSettings().GetAxisSystem().ConversionTo(FbxAxisSystem::ZUp());
-    unit_ = twin_->GetGlobalSettings().GetSystemUnit().centimetres;
+    toHost_ = WorldChange(*twin_, FbxAxisSystem::ZUp(), 1);
     evaluator_ = std::make_unique<SceneEvaluator>(*twin_, twin_->CurrentStack());
     const Interval range = GetScene().time.range;
     for (TimeValue t = range.start; t <= range.end; t += 6000 / GetScene().time.frameRate) times_.push_back(t);
@@ -41,14 +31,7 @@ class ImportFiles : public ImportTest {
     ImportTest::TearDown();
   }
 
-  Affine Converted(Affine m) const {
-    m = m * turn_;
-    m.row[3] = m.row[3] * unit_;
-    return m;
-  }
-  Affine World(const FbxNode* node, TimeValue t) {
-    return Converted(evaluator_->World(node, fbx_import::FileTimeOf(t)));
-  }
+  Affine World(const FbxNode* node, TimeValue t) { return toHost_(evaluator_->World(node, fbx_import::FileTimeOf(t))); }
   static INode* Host(const FbxNode& node) { return GetScene().GetINodeByName(FromUtf8(node.GetName())); }
 
   template <class F>
@@ -62,15 +45,14 @@ class ImportFiles : public ImportTest {
   /// In the host's axes and unit.
   std::vector<Vector3> SkinnedPoints(const FbxNode& node, TimeValue t) {
     std::vector<Vector3> points = PointsInTheWorld(*evaluator_, node, fbx_import::FileTimeOf(t));
-    for (Vector3& point : points) point = point * turn_ * unit_;
+    for (Vector3& point : points) point = toHost_(point);
     return points;
   }
 
   std::unique_ptr<FbxScene> twin_;
   std::unique_ptr<SceneEvaluator> evaluator_;
   std::vector<TimeValue> times_;
-  Affine turn_;
-  double unit_ = 1;
+  WorldChange toHost_;
 };
 
 double FarthestPoint(INode& node, TimeValue t, const std::vector<Vector3>& expected) {
@@ -124,11 +106,11 @@ TEST_F(ImportFiles, BonesAtBindLeaveTheMeshAsItIs) {
       }
       for (int i = 0; i < skin->NumBones(); ++i) skin->GetBone(i)->SetNodeTM(0, skin->GetBoneBindTM(i));
       const FbxCluster& first = mesh.skins[0]->clusters[0];
-      const Affine bind = Converted(GeometricMatrix(node.transform) * first.transform * first.transformLink);
+      const Affine bind = toHost_(GeometricMatrix(node.transform) * first.transform * first.transformLink);
       EXPECT_LT(Length(ToAffine(skin->GetMeshBindTM()).row[3] - bind.row[3]), 1e-4);  // single precision
       std::vector<Vector3> expected;
       for (const Vector3& point : ShapedPoints(*evaluator_, mesh, {}))
-        expected.push_back((point * unit_) * ToAffine(skin->GetMeshBindTM()));
+        expected.push_back((point * toHost_.unit) * ToAffine(skin->GetMeshBindTM()));
       EXPECT_LT(FarthestPoint(host, 0, expected), 1e-3) << node.GetName();  // single precision
     });
   }

@@ -6,11 +6,10 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
+#include "host/io/temp_folder_test.h"
 #include "plugin/fbx/closed_form_test.h"
 #include "plugin/fbx_readers/character_scene.h"
 #include "plugin/fbx_readers/host_trip.h"
@@ -19,7 +18,6 @@ namespace tavrilon::fbx {
 namespace {
 
 struct BlenderRow {
-  const char* name;
   bool isThroughHost;
   const char* uvSets[2];
   double length, axis, layer;
@@ -27,9 +25,9 @@ struct BlenderRow {
 const BlenderRow kRows[] = {
     // Blender keeps matrices and poses as floats: a bone some 200 units out, behind five of them, is right to a
     // thousandth; axes of a bone whose length is written with its scale by the same count. Layers are floats below 10.
-    {"as written", false, {"map1", "light"}, 2e-3, 2e-4, 1e-6},
+    {false, {"map1", "light"}, 2e-3, 2e-4, 1e-6},
     // A tenth of a millimetre for a figure of two metres, in centimetres; a hundredth of a degree.
-    {"through the host", true, {"UVChannel_1", "UVChannel_2"}, 0.01, 2e-4, 1e-4},
+    {true, {"UVChannel_1", "UVChannel_2"}, 0.01, 2e-4, 1e-4},
 };
 
 Affine ToAffine(const QJsonValue& value) {
@@ -47,17 +45,14 @@ Vector3 ToVector(const QJsonValue& value) {
 
 /// Imports a character in Blender, frames 10 to 34 as it has them.
 QJsonObject Imported(const std::vector<uint8_t>& bytes) {
-  std::string folder = (std::filesystem::temp_directory_path() / "fbx_XXXXXX").string();
-  if (!mkdtemp(folder.data())) return {};
-  const std::string file = folder + "/character.fbx", result = folder + "/blender.json";
+  const corvanta::TempFolder folder;
+  const std::string file = folder.Path() / "character.fbx", result = folder.Path() / "blender.json";
   std::ofstream(file, std::ios::binary)
       .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   const std::string command = TAVRILON_SOURCE_DIR "/tests/tools/blender_check " + file + " 10 34 >" + result;
   EXPECT_EQ(std::system(command.c_str()), 0);
-  std::ifstream in(result, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(in), {}};
-  std::filesystem::remove_all(folder);
-  return QJsonDocument::fromJson(QByteArray::fromStdString(text)).object();
+  const std::vector<uint8_t> text = FileBytes(result);
+  return QJsonDocument::fromJson(QByteArray::fromStdString({text.begin(), text.end()})).object();
 }
 
 class BlenderImport : public testing::TestWithParam<BlenderRow> {};

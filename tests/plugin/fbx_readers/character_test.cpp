@@ -49,9 +49,7 @@ class Character : public testing::TestWithParam<CharacterRow> {
     }
     FbxSystemUnit{row.centimetres, 1}.ConvertScene(*made_.scene);
     made_.scene->GetGlobalSettings().SetAxisSystem(row.axes);
-    turn_ =
-        row.axes.ConversionTo(row.stage.upAxis == corvanta::UpAxis::Y ? FbxAxisSystem::YUp() : FbxAxisSystem::ZUp());
-    unit_ = row.centimetres / row.stage.centimetres;
+    change_ = WorldChange(*made_.scene, AxesOf(row.stage), row.stage.centimetres);
     std::vector<uint8_t> bytes = WrittenBytes(*made_.scene, row.format);
     if (row.isThroughHost) {
       HostTrip trip(row.stage);
@@ -95,8 +93,7 @@ class Character : public testing::TestWithParam<CharacterRow> {
 
   CharacterScene made_;
   AssimpFile file_;
-  Affine turn_;
-  double unit_ = 1;
+  WorldChange change_;
   std::vector<std::vector<size_t>> corners_;
 };
 
@@ -110,17 +107,14 @@ TEST_P(Character, BonesAndPointsInTheWorldOnEveryFrame) {
   for (int frame = 0; frame <= CharacterScene::kFrames; ++frame) {
     const FbxTime time = CharacterScene::FrameTime(kFirst + frame);
     const double seconds = frame / CharacterScene::kRate;
-    for (const FbxNode* bone : made_.bones) {
-      Affine wanted = evaluator.World(bone, time) * turn_;
-      wanted.row[3] = wanted.row[3] * unit_;
-      bones.Add(file_.World(file_.Find(bone->GetName()), seconds), wanted);
-    }
+    for (const FbxNode* bone : made_.bones)
+      bones.Add(file_.World(file_.Find(bone->GetName()), seconds), change_(evaluator.World(bone, time)));
     EXPECT_NEAR(file_.MorphWeight(0, seconds), evaluator.DeformPercent(made_.smile, time) / 100, kFloat) << frame;
     const std::vector<Vector3> points = PointsInTheWorld(evaluator, *made_.body, time);
     for (size_t p = 0; p < file_.meshes.size(); ++p) {
       const std::vector<Vector3> found = DeformedPart(file_.meshes[p], seconds);
       for (size_t c = 0; c < found.size(); ++c)
-        furthest = std::max(furthest, Length(found[c] - points[PointOf(corners_[p][c])] * turn_ * unit_));
+        furthest = std::max(furthest, Length(found[c] - change_(points[PointOf(corners_[p][c])])));
     }
   }
   const double place = row.isThroughHost ? kFigureBounds.place : kChain;

@@ -21,20 +21,6 @@ using import_test::Dice;
 using import_test::FrameTime;
 using import_test::NewScene;
 
-/// From the world of a made scene to one of these axes and this unit.
-struct WorldChange {
-  Affine turn;
-  double unit = 1;
-  WorldChange(const FbxScene& made, const FbxAxisSystem& axes, double centimetres)
-      : turn(made.GetGlobalSettings().GetAxisSystem().ConversionTo(axes)),
-        unit(made.GetGlobalSettings().GetSystemUnit().centimetres / centimetres) {}
-  Affine operator()(Affine m) const {
-    m = m * turn;
-    m.row[3] = m.row[3] * unit;
-    return m;
-  }
-};
-
 /// Every node of the host's scene on every frame from 0 to `last`, in centimetres. The host stands Z up.
 Deviation CompareHost(const FbxScene& made, const FbxAnimStack* stack, const HostStage& stage, int last) {
   const WorldChange change(made, FbxAxisSystem::ZUp(), stage.centimetres);
@@ -62,8 +48,7 @@ std::string NameOf(const FbxNode* node, const Renamed& renamed) {
 /// test.
 Deviation CompareNodes(const FbxScene& made, const FbxAnimStack* stack, const AssimpFile& file, const HostStage& stage,
                        int first, int last, const Renamed& renamed = {}) {
-  const bool isYUp = stage.upAxis == corvanta::UpAxis::Y;
-  const WorldChange change(made, isYUp ? FbxAxisSystem::YUp() : FbxAxisSystem::ZUp(), stage.centimetres);
+  const WorldChange change(made, AxesOf(stage), stage.centimetres);
   SceneEvaluator evaluator(made, stack);
   Deviation worst;
   for (const FbxNode* node : made.Nodes()) {

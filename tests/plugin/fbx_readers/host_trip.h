@@ -24,6 +24,11 @@ struct HostStage {
   corvanta::UpAxis upAxis = corvanta::UpAxis::Z;
 };
 
+/// The axes of the files that come out.
+inline FbxAxisSystem AxesOf(const HostStage& stage) {
+  return stage.upAxis == corvanta::UpAxis::Y ? FbxAxisSystem::YUp() : FbxAxisSystem::ZUp();
+}
+
 /// An empty scene, a file into it, all of its nodes out again.
 class HostTrip {
  public:

@@ -6,7 +6,6 @@
 #include <filesystem>
 
 #include "plugin/fbx/closed_form_test.h"
-#include "plugin/fbx/format/sdk.h"
 #include "plugin/fbx_readers/assimp_scene.h"
 #include "plugin/fbx_readers/host_trip.h"
 
@@ -125,10 +124,7 @@ TEST_P(ReadersRoundTrip, KeepsPointsInTheWorld) {
 
 std::map<std::string, Affine> BindsOf(const std::vector<uint8_t>& bytes) {
   std::map<std::string, Affine> binds;
-  const auto manager = FbxManager::Create();
-  const auto importer = FbxImporter::Create(*manager, "FBX Importer");
-  const auto scene = FbxScene::Create("Import");
-  EXPECT_TRUE(importer->Initialize(bytes, "binds.fbx") && importer->Import(*scene));
+  const auto scene = ReadFbx(bytes, std::string("binds.fbx"));
   for (const FbxNode* node : scene->Nodes()) {
     const auto* mesh = dynamic_cast<const FbxMesh*>(node->GetNodeAttribute());
     if (!mesh) continue;

@@ -5,19 +5,26 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "plugin/fbx/format/sdk.h"
 
 namespace tavrilon::fbx {
+
+/// Keeps the larger; what is no number is beyond any bound.
+inline void KeepWorst(double& worst, double distance) {
+  if (!(distance <= worst)) worst = std::isnan(distance) ? INFINITY : distance;
+}
 
 /// How far matrices are apart: places, turns of axes in degrees, lengths of axes as a share.
 struct Deviation {
   double place = 0, degrees = 0, scale = 0;
   void Add(const Affine& found, const Affine& wanted) {
-    place = std::max(place, Length(found.row[3] - wanted.row[3]));
+    KeepWorst(place, Length(found.row[3] - wanted.row[3]));
     for (int i = 0; i < 3; ++i) {
       const Vector3 &f = found.row[i], &w = wanted.row[i];
-      degrees = std::max(degrees, std::atan2(Length(Cross(f, w)), Dot(f, w)) / kDegreesToRadians);
-      scale = std::max(scale, std::abs(Length(f) / Length(w) - 1));
+      KeepWorst(degrees, std::atan2(Length(Cross(f, w)), Dot(f, w)) / kDegreesToRadians);
+      KeepWorst(scale, std::abs(Length(f) / Length(w) - 1));
     }
   }
 };

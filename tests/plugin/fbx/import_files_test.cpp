@@ -62,7 +62,7 @@ double FarthestPoint(INode& node, TimeValue t, const std::vector<Vector3>& expec
   double farthest = 0;
   for (size_t i = 0; i < expected.size(); ++i) {
     const Point3& p = state->points[i];
-    farthest = std::max(farthest, Length(Vector3{p.x, p.y, p.z} * tm - expected[i]));
+    KeepWorst(farthest, Length(Vector3{p.x, p.y, p.z} * tm - expected[i]));
   }
   return farthest;
 }

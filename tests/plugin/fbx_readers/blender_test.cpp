@@ -20,6 +20,7 @@ namespace {
 struct BlenderRow {
   bool isThroughHost;
   const char* uvSets[2];
+  /// Bounds of places, of axes, of texture coordinates and weights.
   double length, axis, layer;
 };
 const BlenderRow kRows[] = {

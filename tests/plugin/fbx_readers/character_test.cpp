@@ -114,7 +114,7 @@ TEST_P(Character, BonesAndPointsInTheWorldOnEveryFrame) {
     for (size_t p = 0; p < file_.meshes.size(); ++p) {
       const std::vector<Vector3> found = DeformedPart(file_.meshes[p], seconds);
       for (size_t c = 0; c < found.size(); ++c)
-        furthest = std::max(furthest, Length(found[c] - change_(points[PointOf(corners_[p][c])])));
+        KeepWorst(furthest, Length(found[c] - change_(points[PointOf(corners_[p][c])])));
     }
   }
   const double place = row.isThroughHost ? kFigureBounds.place : kChain;

@@ -18,6 +18,7 @@ struct CheckRow {
   std::function<void(ExportSurroundings&, FbxExportOptions&)> spoil;
   const wchar_t* error;
 };
+const Interval kUpsideDown{10, 9};
 // In the order of the checks, so that each row also spoils nothing that an earlier one would catch.
 const CheckRow kChecks[] = {
     {"all well", [](auto&, auto&) {}, L""},
@@ -29,13 +30,12 @@ const CheckRow kChecks[] = {
     {"nothing to do", [](auto&, auto& o) { o.skeletalMesh = o.animation = false; },
      L"Enable skeletal mesh or animation export."},
     {"unknown segment", [](auto&, auto& o) { o.timeSegment = 2; }, L"Time Segment must be Active or Range."},
-    {"empty active range", [](auto& a, auto&) { a.activeRange = Interval(10, 9); }, L"Invalid animation frame range."},
+    {"empty active range", [](auto& a, auto&) { a.activeRange = kUpsideDown; }, L"Invalid animation frame range."},
     {"range upside down", [](auto&, auto& o) { o.timeSegment = 1, o.startFrame = 5, o.endFrame = 4; },
      L"Invalid animation frame range."},
     {"beyond time", [](auto&, auto& o) { o.timeSegment = 1, o.endFrame = 2000000000; },
      L"Invalid animation frame range."},
-    {"still pose with an empty range", [](auto& a, auto& o) { o.animation = false, a.activeRange = Interval(10, 9); },
-     L""},
+    {"still pose with an empty range", [](auto& a, auto& o) { o.animation = false, a.activeRange = kUpsideDown; }, L""},
     {"no samples", [](auto&, auto& o) { o.subSamples = 0; },
      L"Sub Samples must be between 1 and the available ticks per frame, up to 100."},
     {"too many", [](auto&, auto& o) { o.subSamples = 101; },

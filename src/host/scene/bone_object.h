@@ -21,9 +21,6 @@ class BoneObject final : public BlockOwner<GeomObject> {
   void Display(TimeValue t, INode* node, GraphicsWindow& view) override;
   Box3 GetLocalBoundBox(TimeValue t, INode* node) override;
   ParamBlock2* GetParamBlock() override { return block_; }
-
- private:
-  ParamBlock2* block_ = nullptr;
 };
 
 }  // namespace corvanta

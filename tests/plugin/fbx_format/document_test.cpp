@@ -121,7 +121,7 @@ TEST(FbxDocument, ViewsOfNothingCanBeChained) {
 
 constexpr int32_t kMin32 = std::numeric_limits<int32_t>::min(), kMax32 = std::numeric_limits<int32_t>::max();
 constexpr int64_t kMin64 = std::numeric_limits<int64_t>::min(), kMax64 = std::numeric_limits<int64_t>::max();
-constexpr double kInfinity = std::numeric_limits<double>::infinity(), kNan = std::nan("");
+constexpr double kInfinity = std::numeric_limits<double>::infinity(), kNan = std::numeric_limits<double>::quiet_NaN();
 
 TEST(FbxDocument, ConversionsClamp) {
   struct Row {

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "host/scene/material.h"
+#include "plugin/fbx/highlight.h"
 
 namespace tavrilon::fbx_export {
 
@@ -92,6 +93,7 @@ class MaterialExporter {
       job_.Log(L"Material '" + material->GetName() + L"' has no base colour; it is exported without its look.");
     out->diffuse = params.ColourOf(L"base_color", out->diffuse);
     out->transparencyFactor = params.Number(L"transparency", 0);
+    if (params.Has(L"roughness")) out->shininess = ShininessOf(params.Number(L"roughness", 0));
     if (params.Has(L"emit_color")) {
       out->emissive = params.ColourOf(L"emit_color", {});
       out->emissiveFactor = params.Number(L"emission", 1);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "plugin/fbx/highlight.h"
 #include "plugin/fbx/importer/conversion.h"
 
 namespace tavrilon::fbx_import {
@@ -36,10 +37,6 @@ Colour ToColour(const Vector3& c, double factor) {
 }
 
 float Share(double v) { return static_cast<float>(v > 0 ? std::min(v, 1.0) : 0); }
-
-/// The width of the highlight: exponent n of Blinn's model against the roughness of Beckmann's, n = 2 / r^2 - 2 (Walter
-/// and others, "Microfacet models for refraction through rough surfaces", 2007).
-float Roughness(double shininess) { return Share(std::sqrt(2 / (std::max(shininess, 0.0) + 2))); }
 
 std::string WithSlashes(std::string path) {
   std::replace(path.begin(), path.end(), '\\', '/');
@@ -87,7 +84,7 @@ PlannedMaterial Convert(const Conversion& conversion, const FbxSurfaceMaterial& 
   PlannedMaterial planned;
   planned.name = FromUtf8(source.GetName());
   planned.base = ToColour(source.diffuse, source.diffuseFactor);
-  planned.roughness = Roughness(source.shininess);
+  planned.roughness = static_cast<float>(RoughnessOf(source.shininess));
   const Vector3& t = source.transparentColour;
   planned.transparency = Share(source.transparencyFactor * (t.x + t.y + t.z) / 3);
   planned.emission = ToColour(source.emissive, 1);

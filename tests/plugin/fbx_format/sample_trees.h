@@ -94,7 +94,7 @@ class RandomForest {
   Value MakeValue(std::index_sequence<kKinds...>) {
     const Value empty[] = {Value(std::in_place_index<kKinds>)...};
     Value value = empty[Below(sizeof...(kKinds))];
-    std::visit([this](auto& v) { Fill(v); }, value);
+    std::visit([this](auto& v) { this->Fill(v); }, value);
     return value;
   }
 

@@ -3,6 +3,7 @@
 #include <random>
 #include <set>
 
+#include "plugin/fbx/closed_form_test.h"
 #include "plugin/fbx/export_scene_test.h"
 #include "plugin/fbx/exporter/skin_export.h"
 #include "plugin/frame/animation_manager_mod.h"
@@ -50,6 +51,12 @@ class StrangeModifier final : public Modifier {
   WStr GetClassName() const override { return L"Melt"; }
 };
 
+void AddMorpher(INode* node, const std::vector<MorphTarget>& smile) {
+  auto* morpher = new MorpherModifier;
+  node->AddModifier(morpher);
+  morpher->AddChannel(L"smile")->SetTargets(Targets(smile));
+}
+
 /// Modifiers by letters, the first one lowest: S skin, M morpher, D subdivision, d one that is off, A manager, X other.
 void Stack(INode* node, const std::vector<INode*>& bones, const std::string& letters) {
   for (const char letter : letters) {
@@ -59,11 +66,7 @@ void Stack(INode* node, const std::vector<INode*>& bones, const std::string& let
       for (INode* bone : bones) skin->AddBone(bone, {});
       skin->SetWeights(Rigid(std::vector<int>(8, 0)));
     }
-    if (letter == 'M') {
-      auto* morpher = new MorpherModifier;
-      node->AddModifier(morpher);
-      morpher->AddChannel(L"smile")->SetTargets(Targets({{100, {7}, {{1, 0, 0}}}}));
-    }
+    if (letter == 'M') AddMorpher(node, {{100, {7}, {{1, 0, 0}}}});
     if (letter == 'D' || letter == 'd') {
       auto* subdivision = new SubdivisionModifier;
       node->AddModifier(subdivision);
@@ -168,16 +171,12 @@ TEST_F(ExportMesh, RefusesWhatItCannotRead) {
        L"Unweighted Skin vertex 0 on mesh 'skin'."},
       {"progressive",
        [](INode* mesh, INode*) {
-         auto* morpher = new MorpherModifier;
-         mesh->AddModifier(morpher);
-         morpher->AddChannel(L"smile")->SetTargets(Targets({{50, {7}, {{1, 0, 0}}}, {100, {7}, {{2, 0, 0}}}}));
+         AddMorpher(mesh, {{50, {7}, {{1, 0, 0}}}, {100, {7}, {{2, 0, 0}}}});
        },
        L"Morpher channel 'smile' of mesh 'skin' has progressive targets, which cannot be exported."},
       {"another mesh's target",
        [](INode* mesh, INode*) {
-         auto* morpher = new MorpherModifier;
-         mesh->AddModifier(morpher);
-         morpher->AddChannel(L"smile")->SetTargets(Targets({{100, {8}, {{1, 0, 0}}}}));
+         AddMorpher(mesh, {{100, {8}, {{1, 0, 0}}}});
        },
        L"Morpher channel 'smile' of mesh 'skin' has invalid vertex data."},
   };
@@ -297,32 +296,6 @@ TEST_F(ExportMesh, OffsetIsInThePoints) {
   }
 }
 
-/// Points of a mesh by the file alone: rest points, shapes by their percent, clusters by the worlds of their bones.
-std::vector<Vector3> PointsByFile(SceneEvaluator& evaluator, const FbxNode* node, FbxTime t) {
-  const auto& mesh = static_cast<const FbxMesh&>(*node->GetNodeAttribute());
-  std::vector<Vector3> points = mesh.controlPoints;
-  for (const FbxBlendShape* blend : mesh.blendShapes)
-    for (const FbxBlendShapeChannel* channel : blend->channels)
-      for (size_t i = 0; i < channel->shapes[0].indices.size(); ++i) {
-        Vector3& point = points[static_cast<size_t>(channel->shapes[0].indices[i])];
-        point = point + channel->shapes[0].offsets[i] * (evaluator.DeformPercent(channel, t) / 100);
-      }
-  if (mesh.skins.empty()) {
-    const Affine world = evaluator.World(node, t);
-    for (Vector3& point : points) point = point * world;
-    return points;
-  }
-  std::vector<Vector3> skinned(points.size());
-  for (const FbxCluster& cluster : mesh.skins[0]->clusters) {
-    const Affine toWorld = cluster.transform * evaluator.World(cluster.link, t);
-    for (size_t i = 0; i < cluster.indices.size(); ++i) {
-      const auto point = static_cast<size_t>(cluster.indices[i]);
-      skinned[point] = skinned[point] + (points[point] * toWorld) * cluster.weights[i];
-    }
-  }
-  return skinned;
-}
-
 /// A grown cube with all weights and shapes at random on three moving bones and a moving mesh.
 class ExportSkinned : public ExportMesh {
  protected:
@@ -387,7 +360,7 @@ TEST_F(ExportSkinned, PointsAreThoseOfTheHost) {
       SceneEvaluator evaluator(*scene, scene->CurrentStack());
       const FbxNode* out = FindOut(*scene, "skin");
       for (TimeValue t = 0; t <= 800; t += 200) {
-        const std::vector<Vector3> points = PointsByFile(evaluator, out, fbx_export::ToFileTime(t));
+        const std::vector<Vector3> points = PointsInTheWorld(evaluator, *out, fbx_export::ToFileTime(t));
         const MeshState* shown = EvaluatedMesh(node, t);
         const Matrix3 objectTM = node->GetObjectTM(t);
         ASSERT_EQ(points.size(), shown->points.size());
@@ -504,9 +477,17 @@ TEST_F(ExportMesh, MaterialsByParameterNames) {
   auto mesh = std::make_shared<Mesh>(FullCube(2));
   mesh->materials = {0, 1, 2, 3, 4, 5};
   static_cast<MeshObject*>(node->GetBaseObject())->SetMesh(mesh);
+  INode* other = MeshNode(Cube(1));
+  other->SetName(L"other");
+  other->SetMtl(red);
+  MeshNode(Cube(1))->SetName(L"bare");
   const auto scene = BuildAll();
   const FbxNode* out = FindOut(*scene, "skin");
   ASSERT_EQ(out->materials.size(), 2u) << "one that is in the list twice goes out once";
+  EXPECT_EQ(scene->Materials().size(), 2u) << "so does one on two nodes";
+  EXPECT_EQ(FindOut(*scene, "other")->materials, std::vector<FbxSurfaceMaterial*>{out->materials[0]});
+  EXPECT_EQ(MeshOut(*scene, "other").materials.mapping, Mapping::AllSame);
+  EXPECT_TRUE(FindOut(*scene, "bare")->materials.empty());
   EXPECT_EQ(MeshOut(*scene, "skin").materials.values, (std::vector<int>{0, 1, 0, 0, 1, 0})) << "IDs go round the list";
   const FbxSurfaceMaterial& first = *out->materials[0];
   EXPECT_EQ(first.GetName(), "red");
@@ -535,22 +516,6 @@ TEST_F(ExportMesh, MaterialsByParameterNames) {
   const FbxSurfaceMaterial& blended = *FindOut(*pictured, "skin")->materials[1];
   EXPECT_EQ(blended.textures.at(0).texture->fileName, "second.png");
   EXPECT_TRUE(HasLogged(L"'mix'"));
-}
-
-// One material on two nodes is one material in the file; a node without any has none.
-TEST_F(ExportMesh, SharedMaterialsGoOutOnce) {
-  auto* material = new PhysicalMaterial;
-  for (const wchar_t* name : {L"a", L"b"}) {
-    INode* node = MeshNode(Cube(1));
-    node->SetName(name);
-    node->SetMtl(material);
-  }
-  MeshNode(Cube(1))->SetName(L"bare");
-  const auto scene = BuildAll();
-  EXPECT_EQ(scene->Materials().size(), 1u);
-  EXPECT_EQ(FindOut(*scene, "a")->materials, FindOut(*scene, "b")->materials);
-  EXPECT_TRUE(FindOut(*scene, "bare")->materials.empty());
-  EXPECT_EQ(MeshOut(*scene, "a").materials.mapping, Mapping::AllSame);
 }
 
 }  // namespace

@@ -29,19 +29,12 @@ const CheckRow kChecks[] = {
     {"nothing to do", [](auto&, auto& o) { o.skeletalMesh = o.animation = false; },
      L"Enable skeletal mesh or animation export."},
     {"unknown segment", [](auto&, auto& o) { o.timeSegment = 2; }, L"Time Segment must be Active or Range."},
-    {"empty active range",
-     [](auto& a, auto&) {
-       a.activeRange = {10, 9};
-     },
-     L"Invalid animation frame range."},
+    {"empty active range", [](auto& a, auto&) { a.activeRange = Interval(10, 9); }, L"Invalid animation frame range."},
     {"range upside down", [](auto&, auto& o) { o.timeSegment = 1, o.startFrame = 5, o.endFrame = 4; },
      L"Invalid animation frame range."},
     {"beyond time", [](auto&, auto& o) { o.timeSegment = 1, o.endFrame = 2000000000; },
      L"Invalid animation frame range."},
-    {"still pose with an empty range",
-     [](auto& a, auto& o) {
-       o.animation = false, a.activeRange = {10, 9};
-     },
+    {"still pose with an empty range", [](auto& a, auto& o) { o.animation = false, a.activeRange = Interval(10, 9); },
      L""},
     {"no samples", [](auto&, auto& o) { o.subSamples = 0; },
      L"Sub Samples must be between 1 and the available ticks per frame, up to 100."},
@@ -146,16 +139,6 @@ TEST_F(ExportNodes, CarryKindColourVisibilityAndUserProperties) {
   EXPECT_EQ(FindOut(*BuildAll(), "mesh")->GetNodeAttribute()->Kind(), AttributeKind::Null);
 }
 
-TEST_F(ExportNodes, EachNameOnce) {
-  INode* arm = Bone(L"arm");
-  Helper(L"arm", arm);
-  Helper(L"", arm);
-  const auto scene = BuildAll();
-  EXPECT_EQ(FindOut(*scene, "arm_1")->GetParent()->GetName(), "arm");
-  EXPECT_EQ(FindOut(*scene, "Node")->GetParent()->GetName(), "arm");
-  EXPECT_TRUE(HasLogged(L"'arm_1'"));
-}
-
 Matrix3 Sheared() {
   Matrix3 m;
   m.row[1] = {0.5f, 1, 0};
@@ -167,34 +150,28 @@ Matrix3 Broken() {
   return m;
 }
 
+/// As it says at one time, and at rest at all others.
+TimedMatrix::Function At(TimeValue when, const Matrix3& m) {
+  return [=](TimeValue t) { return t == when ? m : Matrix3(); };
+}
+TimedMatrix::Function Always(const Matrix3& m) {
+  return [=](TimeValue) { return m; };
+}
+
 struct RefusalRow {
   const char* name;
-  std::function<Matrix3(TimeValue)> parent, child;
+  TimedMatrix::Function parent, child;
   const wchar_t* error;
 };
-Matrix3 Still(TimeValue) { return {}; }
 const RefusalRow kRefusals[] = {
-    {"sheared", Still, [](TimeValue t) { return t == 400 ? Sheared() : Matrix3(); },
+    {"sheared", Always({}), At(400, Sheared()),
      L"Node 'child' has local shear that cannot be represented by a single FBX TRS node."},
-    {"scale over a turn",
-     [](TimeValue) {
-       return ScaleMatrix({1, 3, 1});
-     },
-     [](TimeValue) {
-       return RotateZMatrix(0.5f) * ScaleMatrix({1, 3, 1});
-     },
+    {"scale over a turn", Always(ScaleMatrix({1, 3, 1})), Always(RotateZMatrix(0.5f) * ScaleMatrix({1, 3, 1})),
      L"Node 'child' has local shear that cannot be represented by a single FBX TRS node."},
-    {"not finite", Still, [](TimeValue t) { return t == 600 ? Broken() : Matrix3(); },
-     L"Node 'child': The evaluated transform contains non-finite values."},
-    {"flat parent",
-     [](TimeValue t) {
-       return ScaleMatrix({1, 1, t == 200 ? 0.0f : 1.0f});
-     },
-     Still, L"Node 'child': The exported parent has zero scale; its local position cannot be recovered."},
-    {"far away", Still,
-     [](TimeValue) {
-       return TransMatrix({4e15f, 0, 0});
-     },
+    {"not finite", Always({}), At(600, Broken()), L"Node 'child': The evaluated transform contains non-finite values."},
+    {"flat parent", At(200, ScaleMatrix({1, 1, 0})), Always({}),
+     L"Node 'child': The exported parent has zero scale; its local position cannot be recovered."},
+    {"far away", Always({}), Always(TransMatrix({4e15f, 0, 0})),
      L"Node 'child': The converted position, rotation or scale exceeds the supported numeric range."},
 };
 TEST_F(ExportNodes, RefusesTransformsThatAFileCannotSay) {
@@ -295,15 +272,6 @@ TEST_F(ExportNodes, CurvesAreAsReadersNeedThem) {
   EXPECT_EQ(keys, 2 * 33u + 16u);
 }
 
-TEST_F(ExportNodes, StillAnimationKeepsItsLength) {
-  Bone(L"still");
-  const auto scene = BuildAll();
-  FbxTime first, last;
-  scene->Stacks().at(0)->GetKeySpan(first, last);
-  EXPECT_EQ(first, fbx_export::ToFileTime(0));
-  EXPECT_EQ(last, fbx_export::ToFileTime(800));
-}
-
 TEST_F(ExportNodes, WithoutAnimationThePresentPoseStands) {
   Bone(L"mover", nullptr, [](TimeValue t) { return TransMatrix({static_cast<float>(t), 0, 0}); });
   options.animation = false;
@@ -313,24 +281,19 @@ TEST_F(ExportNodes, WithoutAnimationThePresentPoseStands) {
   EXPECT_EQ(FindOut(*scene, "mover")->transform.translation, (Vector3{350, 0, 0}));
 }
 
-TEST_F(ExportNodes, TimeModes) {
-  struct Row {
-    int rate;
-    TimeMode mode;
-  };
-  const Row kRows[] = {
-      {24, TimeMode::Frames24},   {25, TimeMode::Pal},      {30, TimeMode::Frames30}, {48, TimeMode::Frames48},
-      {50, TimeMode::Frames50},   {60, TimeMode::Frames60}, {72, TimeMode::Frames72}, {96, TimeMode::Frames96},
-      {100, TimeMode::Frames100}, {20, TimeMode::Custom},   {120, TimeMode::Custom},  {1000, TimeMode::Custom},
-  };
-  Bone(L"bone");
-  for (const Row& row : kRows) {
-    GetScene().time.frameRate = row.rate;
+// A still animation keeps its length, and the rate of the scene.
+TEST_F(ExportNodes, TimeModesAndSpan) {
+  Bone(L"still");
+  FbxTime first, last;
+  BuildAll()->Stacks().at(0)->GetKeySpan(first, last);
+  EXPECT_EQ(first, fbx_export::ToFileTime(0));
+  EXPECT_EQ(last, fbx_export::ToFileTime(800));
+  for (const auto& [rate, mode] : {std::pair(25, TimeMode::Pal), {30, TimeMode::Frames30}, {120, TimeMode::Custom}}) {
+    GetScene().time.frameRate = rate;
     const auto scene = BuildAll();
     ASSERT_TRUE(scene);
-    const FbxGlobalSettings& settings = scene->GetGlobalSettings();
-    EXPECT_EQ(settings.GetTimeMode(), row.mode) << row.rate;
-    EXPECT_EQ(settings.GetFrameRate(), row.rate);
+    EXPECT_EQ(scene->GetGlobalSettings().GetTimeMode(), mode) << rate;
+    EXPECT_EQ(scene->GetGlobalSettings().GetFrameRate(), rate);
   }
 }
 

@@ -43,33 +43,13 @@ TEST(TrsTrack, GivesTheMatrixBackWithoutJumps) {
   }
 }
 
-TEST(TrsTrack, AnglesGoOnBeyondWholeTurns) {
-  TrsTrack track;
-  for (int degrees = 0; degrees <= 1080; degrees += 30) {
-    ASSERT_EQ(track.Split(Rotation({0, 0, static_cast<double>(degrees)})), TrsFault::None);
-    EXPECT_NEAR(track.Last().rotation.z, degrees, 1e-9);
-    EXPECT_NEAR(track.Last().rotation.x, 0, 1e-9);
-  }
-}
-
-struct Mirroring {
-  const char* name;
-  Vector3 scale, expected;
-};
 // Each is told by the axis that keeps the rotation at rest.
-const Mirroring kMirrorings[] = {
-    {"x", {-2, 1, 1}, {-2, 1, 1}},
-    {"y", {1, -3, 1}, {1, -3, 1}},
-    {"z", {1, 1, -1}, {1, 1, -1}},
-    {"all", {-1, -1, -1}, {-1, -1, -1}},
-};
 TEST(TrsTrack, MirroredAxisStaysTheSame) {
-  for (const Mirroring& m : kMirrorings) {
-    SCOPED_TRACE(m.name);
+  for (const Vector3& scale : {Vector3{-2, 1, 1}, {1, -3, 1}, {1, 1, -1}, {-1, -1, -1}}) {
     TrsTrack track;
     for (int degrees = 0; degrees < 360; degrees += 10) {
-      ASSERT_EQ(track.Split(Scaling(m.scale) * Rotation({0, static_cast<double>(degrees), 0})), TrsFault::None);
-      EXPECT_LT(Length(track.Last().scaling - m.expected), 1e-9) << degrees;
+      ASSERT_EQ(track.Split(Scaling(scale) * Rotation({0, static_cast<double>(degrees), 0})), TrsFault::None);
+      EXPECT_LT(Length(track.Last().scaling - scale), 1e-9) << scale.x << ' ' << scale.y << ", " << degrees;
     }
   }
 }

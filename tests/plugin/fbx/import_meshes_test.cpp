@@ -90,62 +90,40 @@ TEST_F(ImportMeshes, NormalsAndMaterialIds) {
   EXPECT_EQ(mesh.normals, (std::vector<Point3>{{0, 0, 1}, {0, 1, 0}}));
   EXPECT_EQ(mesh.normalCorners, (std::vector<int>{0, 0, 0, 0, 1, 1, 1, 1}));
   EXPECT_EQ(mesh.materials, (std::vector<uint16_t>{1, 0}));
-}
 
-TEST_F(ImportMeshes, ANormalWithoutDirectionLeavesThemToBeComputed) {
+  // One without a direction leaves them to be computed.
+  ReplaceScene(std::make_unique<Scene>());
   mesh_->normals = {"", Mapping::AllSame, {{0, 0, 0}}, {}};
   EXPECT_TRUE(Imported().normals.empty());
   EXPECT_TRUE(IsLogged(L"have no direction")) << Log();
 }
 
 TEST_F(ImportMeshes, SmoothingFromEachSource) {
+  using Groups = LayerElement<int>;
+  using Normals = LayerElement<Vector3>;
   struct Row {
     const char* name;
-    std::function<void(FbxMesh&)> set;
+    Groups smoothing;
+    Normals normals;
     std::vector<uint32_t> expected;
   };
-  const auto flat = [](Vector3 a, Vector3 b) {
-    return LayerElement<Vector3>{"", Mapping::ByPolygonVertex, {a, b}, {0, 0, 0, 0, 1, 1, 1, 1}};
-  };
+  const std::vector<int> byQuad{0, 0, 0, 0, 1, 1, 1, 1};
   const Row kRows[] = {
-      {"groups",
-       [](FbxMesh& m) {
-         m.smoothing = {"", Mapping::ByPolygon, {5, 2}, {}};
-       },
-       {5, 2}},
-      {"soft edge",  // the second edge of the first quad, from point 1 to point 4
-       [](FbxMesh& m) {
-         m.edges = {1};
-         m.smoothing = {"", Mapping::ByEdge, {1}, {}};
-       },
-       {1, 1}},
-      {"hard edge",
-       [](FbxMesh& m) {
-         m.edges = {1};
-         m.smoothing = {"", Mapping::ByEdge, {0}, {}};
-       },
-       {0, 0}},
-      {"normals that agree",
-       [&](FbxMesh& m) {
-         m.normals = flat({0, 0, 1}, {0, 0, 1});
-       },
-       {1, 1}},
-      {"normals that differ",
-       [&](FbxMesh& m) {
-         m.normals = flat({0, 0, 1}, {0, 1, 0});
-       },
-       {0, 0}},
-      {"normals of points",
-       [](FbxMesh& m) {
-         m.normals = {"", Mapping::ByControlPoint, std::vector<Vector3>(6, {0, 0, 1}), {}};
-       },
-       {1, 1}},
+      {"groups", {"", Mapping::ByPolygon, {5, 2}, {}}, {}, {5, 2}},
+      // The second edge of the first quad, from point 1 to point 4.
+      {"soft edge", {"", Mapping::ByEdge, {1}, {}}, {}, {1, 1}},
+      {"hard edge", {"", Mapping::ByEdge, {0}, {}}, {}, {0, 0}},
+      {"normals that agree", {}, {"", Mapping::ByPolygonVertex, {{0, 0, 1}, {0, 0, 1}}, byQuad}, {1, 1}},
+      {"normals that differ", {}, {"", Mapping::ByPolygonVertex, {{0, 0, 1}, {0, 1, 0}}, byQuad}, {0, 0}},
+      {"normals of points", {}, {"", Mapping::ByControlPoint, std::vector<Vector3>(6, {0, 0, 1}), {}}, {1, 1}},
   };
   for (const Row& row : kRows) {
     SCOPED_TRACE(row.name);
     ReplaceScene(std::make_unique<Scene>());
-    AddQuads(*scene_, node_);
-    row.set(static_cast<FbxMesh&>(*node_->GetNodeAttribute()));
+    FbxMesh* mesh = AddQuads(*scene_, node_);
+    if (row.smoothing.mapping == Mapping::ByEdge) mesh->edges = {1};
+    mesh->smoothing = row.smoothing;
+    mesh->normals = row.normals;
     EXPECT_EQ(Imported().smoothing, row.expected);
   }
 }

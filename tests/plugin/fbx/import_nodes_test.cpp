@@ -63,21 +63,24 @@ TEST_F(ImportNodes, FrameRateAndRange) {
     bool isEmpty;
     double rate;
     int expectedRate;
-    Interval range;
+    Interval before, range;
     const wchar_t* log;
   };
-  // The stack runs from a second to two seconds; the scene has 30 frames a second, and 0 to 100.
+  // The stack runs from a second to two seconds; the scene has 30 frames a second.
+  const Interval whole{0, 20000}, stack{6000, 12000};
   const Row kRows[] = {
-      {"empty scene", true, 60, 60, {6000, 12000}, nullptr},
-      {"no whole rate", true, 29.97, 30, {6000, 12000}, L"not whole"},
-      {"file without a rate", true, 0, 30, {6000, 12000}, nullptr},
-      {"nodes, same rate", false, 30, 30, {0, 20000}, nullptr},
-      {"nodes, other rate", false, 25, 30, {0, 20000}, L"keeps its frame rate"},
-      {"rate of no use", true, 1e9, 30, {6000, 12000}, nullptr},
+      {"empty scene", true, 60, 60, whole, stack, nullptr},
+      {"no whole rate", true, 29.97, 30, whole, stack, L"not whole"},
+      {"file without a rate", true, 0, 30, whole, stack, nullptr},
+      {"nodes, same rate", false, 30, 30, whole, whole, nullptr},
+      {"nodes, short range", false, 30, 30, {6400, 6600}, stack, nullptr},
+      {"nodes, other rate", false, 25, 30, whole, whole, L"keeps its frame rate"},
+      {"rate of no use", true, 1e9, 30, whole, stack, nullptr},
   };
   for (const Row& row : kRows) {
     SCOPED_TRACE(row.name);
     ReplaceScene(std::make_unique<Scene>());
+    GetScene().time.range = row.before;
     if (!row.isEmpty) GetScene().CreateObjectNode(nullptr);
     const auto scene = NewScene();
     scene->GetGlobalSettings().SetTimeMode(row.rate > 0 ? TimeMode::Custom : TimeMode::Default);
@@ -102,17 +105,34 @@ TEST_F(ImportNodes, FrameRateAndRange) {
   }
 }
 
-TEST_F(ImportNodes, ARangeOfAnotherSceneIsWidened) {
-  GetScene().CreateObjectNode(nullptr);
-  GetScene().time.range = {400, 600};
+TEST_F(ImportNodes, ChannelsThatStayAreValues) {
   const auto scene = NewScene();
-  FbxAnimCurve& x =
-      AddCurves(*scene, *AddStack(*scene, "take", 10), AddBone(*scene, "bone"), "Lcl Translation")->curves[0];
-  x.times = {0, FrameTime(10).ticks};
-  x.values = {0, 1};
-  x.shapes = {KeyShape()};
+  FbxNode* node = AddBone(*scene, "bone", nullptr, {1, 2, 3});
+  FbxAnimLayer* layer = AddStack(*scene, "take");
+  FbxAnimCurveNode* move = AddCurves(*scene, *layer, node, "Lcl Translation");
+  FbxAnimCurveNode* turn = AddCurves(*scene, *layer, node, "Lcl Rotation");
+  move->defaults = {1, 2, 3};
+  for (const int frame : {0, kFrames}) {
+    // Within a hundred-thousandth: nothing moves.
+    move->curves[0].times.push_back(FrameTime(frame).ticks);
+    move->curves[0].values.push_back(frame == 0 ? 1.0f : 1.000009f);
+    turn->curves[2].times.push_back(FrameTime(frame).ticks);
+    turn->curves[2].values.push_back(frame == 0 ? 0.0f : 720.0f);
+  }
+  move->curves[0].shapes = turn->curves[2].shapes = {KeyShape()};
   ASSERT_TRUE(Import(*scene)) << Log();
-  EXPECT_EQ(GetScene().time.range, (Interval{0, 2000}));
+  Control* tm = GetScene().Nodes()[0]->GetTMController();
+  EXPECT_EQ(tm->GetPositionController()->NumKeys(), 0);
+  EXPECT_EQ(tm->GetScaleController()->NumKeys(), 0);
+  EXPECT_EQ(tm->GetRotationController()->GetXController()->NumKeys(), 0);
+  EXPECT_EQ(tm->GetRotationController()->GetYController()->NumKeys(), 0);
+  // A straight line needs its ends only, and two whole turns are not lost.
+  Control* z = tm->GetRotationController()->GetZController();
+  EXPECT_EQ(z->NumKeys(), 2);
+  float end = 0;
+  Interval valid = FOREVER;
+  z->GetValue(kFrames * 200, end, valid);
+  EXPECT_NEAR(end, 4 * M_PI, 1e-5);  // single precision of twelve
 }
 
 /// Bones, a mesh with everything on it, and animation.
@@ -185,6 +205,7 @@ TEST_F(ImportNodes, AFailureLeavesTheSceneAsItWas) {
        L"Enable skeletal mesh or animation import."},
       {"too many nodes", [](auto& o) { o.limits.maxNodes = 2; },
        L"The file has more than 2 nodes, which is more than can be imported."},
+      {"another stack", [](auto& o) { o.stack = L"swim"; }, L"The file has no animation stack \"swim\". It has: take"},
       {"no scale", [](auto& o) { o.scaleFactor = 0; }, L"The scale of the import is not sound."},
       {"stopped", [](auto&) { SetProgressHook([](const WStr&, double share) { return share < 0.75; }); }, L"Stopped."},
   };

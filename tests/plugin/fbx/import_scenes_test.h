@@ -10,6 +10,7 @@
 #include "host/core/hold.h"
 #include "host/io/scene_file.h"
 #include "host/scene/core_interface.h"
+#include "plugin/fbx/closed_form_test.h"
 #include "plugin/fbx/fbx_import.h"
 #include "plugin/fbx/format/scene.h"
 #include "plugin/frame/class_table.h"
@@ -122,21 +123,6 @@ inline fbx::Affine ToAffine(const Matrix3& m) {
   fbx::Affine a;
   for (int i = 0; i < 4; ++i) a.row[i] = {m.GetRow(i).x, m.GetRow(i).y, m.GetRow(i).z};
   return a;
-}
-
-/// How far two matrices are apart: places, and directions of axes in degrees.
-struct Distance {
-  double place = 0, degrees = 0;
-};
-inline Distance DistanceOf(const fbx::Affine& a, const fbx::Affine& b) {
-  Distance d;
-  d.place = Length(a.row[3] - b.row[3]);
-  for (int i = 0; i < 3; ++i) {
-    const double la = Length(a.row[i]), lb = Length(b.row[i]);
-    const fbx::Vector3 difference = a.row[i] * (1 / la) - b.row[i] * (1 / lb);
-    d.degrees = std::max(d.degrees, Length(difference) / fbx::kDegreesToRadians);
-  }
-  return d;
 }
 
 }  // namespace tavrilon::import_test

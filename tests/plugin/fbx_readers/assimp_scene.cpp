@@ -24,14 +24,6 @@ Affine ToAffine(const aiMatrix4x4& m) {
   return {{{m.a1, m.b1, m.c1}, {m.a2, m.b2, m.c2}, {m.a3, m.b3, m.c3}, {m.a4, m.b4, m.c4}}};
 }
 
-Affine RotationOf(const double* q) {  // w x y z
-  const double w = q[0], x = q[1], y = q[2], z = q[3];
-  return {{{1 - 2 * (y * y + z * z), 2 * (x * y + w * z), 2 * (x * z - w * y)},
-           {2 * (x * y - w * z), 1 - 2 * (x * x + z * z), 2 * (y * z + w * x)},
-           {2 * (x * z + w * y), 2 * (y * z - w * x), 1 - 2 * (x * x + y * y)},
-           {0, 0, 0}}};
-}
-
 void ReadNodes(const aiNode& node, int parent, std::vector<AssimpNode>& nodes) {
   AssimpNode read{node.mName.C_Str(), parent, ToAffine(node.mTransformation), {}};
   read.meshes.assign(node.mMeshes, node.mMeshes + node.mNumMeshes);
@@ -74,58 +66,45 @@ AssimpMaterial ReadMaterial(const aiMaterial& material) {
   return {material.GetName().C_Str(), {diffuse.r, diffuse.g, diffuse.b}, texture.C_Str()};
 }
 
-AssimpFile::Channel ReadChannel(const aiNodeAnim& channel, double rate) {
-  AssimpFile::Channel read;
-  const auto vectors = [rate](const aiVectorKey* keys, unsigned count, std::vector<AssimpFile::Key>& out) {
-    for (unsigned i = 0; i < count; ++i) {
-      out.push_back({keys[i].mTime / rate, {keys[i].mValue.x, keys[i].mValue.y, keys[i].mValue.z, 0}});
-    }
-  };
-  vectors(channel.mPositionKeys, channel.mNumPositionKeys, read.positions);
-  vectors(channel.mScalingKeys, channel.mNumScalingKeys, read.scales);
-  for (unsigned i = 0; i < channel.mNumRotationKeys; ++i) {
-    const aiQuaternion& q = channel.mRotationKeys[i].mValue;
-    read.rotations.push_back({channel.mRotationKeys[i].mTime / rate, {q.w, q.x, q.y, q.z}});
-  }
-  return read;
-}
-
 /// The keys around `seconds` and how far it stands between them.
+template <class Key>
 struct Span {
-  const AssimpFile::Key* from;
-  const AssimpFile::Key* to;
+  const Key *from, *to;
   double share;
 };
-Span Around(const std::vector<AssimpFile::Key>& keys, double seconds) {
-  const auto next = std::find_if(keys.begin(), keys.end(), [=](const auto& key) { return key.seconds > seconds; });
+template <class Key>
+Span<Key> Around(const std::vector<Key>& keys, double seconds) {
+  const auto next = std::find_if(keys.begin(), keys.end(), [=](const Key& key) { return key.mTime > seconds; });
   if (next == keys.begin()) return {&keys.front(), &keys.front(), 0};
   if (next == keys.end()) return {&keys.back(), &keys.back(), 0};
   const auto before = next - 1;
-  return {&*before, &*next, (seconds - before->seconds) / (next->seconds - before->seconds)};
+  return {&*before, &*next, (seconds - before->mTime) / (next->mTime - before->mTime)};
 }
 
-Vector3 VectorAt(const std::vector<AssimpFile::Key>& keys, double seconds) {
-  const Span span = Around(keys, seconds);
-  const Vector3 a{span.from->v[0], span.from->v[1], span.from->v[2]}, b{span.to->v[0], span.to->v[1], span.to->v[2]};
-  return a * (1 - span.share) + b * span.share;
+Vector3 VectorAt(const std::vector<aiVectorKey>& keys, double seconds) {
+  const auto [from, to, share] = Around(keys, seconds);
+  return ToVector(from->mValue) * (1 - share) + ToVector(to->mValue) * share;
 }
 
-Affine RotationAt(const std::vector<AssimpFile::Key>& keys, double seconds) {
-  const Span span = Around(keys, seconds);
-  double q[4], dot = 0;
-  for (int i = 0; i < 4; ++i) dot += span.from->v[i] * span.to->v[i];
-  // Equal shares of the arc; where it is short the sines are in the proportion of their angles.
-  const double arc = std::acos(std::min(std::abs(dot), 1.0)), sine = std::sin(arc);
-  const bool isShort = sine < 1e-6;
-  const double from = isShort ? 1 - span.share : std::sin((1 - span.share) * arc) / sine;
-  const double to = (isShort ? span.share : std::sin(span.share * arc) / sine) * (dot < 0 ? -1 : 1);
-  double length = 0;
-  for (int i = 0; i < 4; ++i) {
-    q[i] = span.from->v[i] * from + span.to->v[i] * to;
-    length += q[i] * q[i];
-  }
-  for (double& part : q) part /= std::sqrt(length);
-  return RotationOf(q);
+/// Equal shares of the shorter arc.
+Affine RotationAt(const std::vector<aiQuatKey>& keys, double seconds) {
+  const auto [from, to, share] = Around(keys, seconds);
+  aiQuaternion q = from->mValue;
+  if (share > 0) aiQuaternion::Interpolate(q, from->mValue, to->mValue, static_cast<ai_real>(share));
+  const double length = std::sqrt(double{q.w} * q.w + double{q.x} * q.x + double{q.y} * q.y + double{q.z} * q.z);
+  const double w = q.w / length, x = q.x / length, y = q.y / length, z = q.z / length;
+  return {{{1 - 2 * (y * y + z * z), 2 * (x * y + w * z), 2 * (x * z - w * y)},
+           {2 * (x * y - w * z), 1 - 2 * (x * x + z * z), 2 * (y * z + w * x)},
+           {2 * (x * z + w * y), 2 * (y * z - w * x), 1 - 2 * (x * x + y * y)},
+           {0, 0, 0}}};
+}
+
+/// With times in seconds.
+template <class Key>
+std::vector<Key> Keys(const Key* keys, unsigned count, double rate) {
+  std::vector<Key> read(keys, keys + count);
+  for (Key& key : read) key.mTime /= rate;
+  return read;
 }
 
 }  // namespace
@@ -145,7 +124,10 @@ bool AssimpFile::Read(const std::vector<unsigned char>& bytes) {
     if (i > 0) continue;
     const double rate = animation.mTicksPerSecond;
     for (unsigned k = 0; k < animation.mNumChannels; ++k) {
-      channels_[animation.mChannels[k]->mNodeName.C_Str()] = ReadChannel(*animation.mChannels[k], rate);
+      const aiNodeAnim& channel = *animation.mChannels[k];
+      channels_[channel.mNodeName.C_Str()] = {Keys(channel.mPositionKeys, channel.mNumPositionKeys, rate),
+                                              Keys(channel.mRotationKeys, channel.mNumRotationKeys, rate),
+                                              Keys(channel.mScalingKeys, channel.mNumScalingKeys, rate)};
     }
     for (unsigned k = 0; k < animation.mNumMorphMeshChannels; ++k) {
       const aiMeshMorphAnim& morph = *animation.mMorphMeshChannels[k];

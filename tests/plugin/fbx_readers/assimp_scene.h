@@ -6,6 +6,8 @@
 // replaces the first; it splits meshes by material and gives each corner a vertex of its own.
 #pragma once
 
+#include <assimp/anim.h>
+
 #include <map>
 #include <string>
 #include <vector>
@@ -66,15 +68,13 @@ class AssimpFile {
   /// LocalStart; -1 without a curve.
   double MorphWeight(unsigned shape, double seconds) const;
 
-  struct Key {
-    double seconds;
-    double v[4];  // x y z, or w x y z
-  };
-  struct Channel {
-    std::vector<Key> positions, rotations, scales;
-  };
-
  private:
+  /// Times in seconds.
+  struct Channel {
+    std::vector<aiVectorKey> positions;
+    std::vector<aiQuatKey> rotations;
+    std::vector<aiVectorKey> scales;
+  };
   Affine Local(int node, double seconds) const;
   std::map<std::string, Channel> channels_;
   std::map<unsigned, std::vector<std::pair<double, double>>> morphs_;

@@ -60,38 +60,16 @@ class ChainMaker {
       *part = dice_.Vector(length * 0.2);
   }
 
-  FbxAnimCurve BakedCurve(double middle, double spread) {
-    FbxAnimCurve curve;
-    curve.shapes.resize(1);
-    const double phase = dice_.In(0, 6), speed = dice_.In(0.05, 0.3);
-    for (int frame = 0; frame <= kChainLast; ++frame) {
-      curve.times.push_back(FrameTime(frame).ticks);
-      curve.values.push_back(static_cast<float>(middle + spread * std::sin(phase + speed * frame)));
-    }
-    return curve;
-  }
-
   FbxAnimCurve Curve(double middle, double spread) {
-    if (row_.keys == Keys::EveryFrame) return BakedCurve(middle, spread);
     FbxAnimCurve curve = import_test::RandomCurve(dice_, middle, spread, kChainLast);
     for (KeyShape& shape : curve.shapes) {
-      switch (row_.keys) {
-        case Keys::Random:
-        case Keys::EveryFrame:
-          break;
-        case Keys::Constant:
-          shape = {};
-          shape.interpolation = dice_.Of(2) ? Interpolation::Constant : Interpolation::ConstantNext;
-          break;
-        case Keys::Linear:
-          shape = {};
-          break;
-        case Keys::UserTangents:
-        case Keys::Weighted:
-          shape.interpolation = Interpolation::Cubic;
-          shape.rightWeight = row_.keys == Keys::Weighted ? static_cast<float>(dice_.In(0.05, 0.8)) : 1.0f / 3;
-          shape.nextLeftWeight = row_.keys == Keys::Weighted ? static_cast<float>(dice_.In(0.05, 0.8)) : 1.0f / 3;
-          break;
+      if (row_.keys == Keys::Linear || row_.keys == Keys::Constant) shape = {};
+      if (row_.keys == Keys::Constant)
+        shape.interpolation = dice_.Of(2) ? Interpolation::Constant : Interpolation::ConstantNext;
+      if (row_.keys == Keys::UserTangents || row_.keys == Keys::Weighted) {
+        shape.interpolation = Interpolation::Cubic;
+        for (float* weight : {&shape.rightWeight, &shape.nextLeftWeight})
+          *weight = row_.keys == Keys::Weighted ? static_cast<float>(dice_.In(0.05, 0.8)) : 1.0f / 3;
       }
       // As files hold them: without this the made scene would not be the one that is written.
       for (float* weight : {&shape.rightWeight, &shape.nextLeftWeight}) *weight = std::round(*weight * 9999) / 9999;
@@ -157,10 +135,8 @@ std::unique_ptr<FbxScene> MakeChain(unsigned seed, const ChainRow& row, const st
 std::vector<ChainRow> ChainRows() {
   std::vector<ChainRow> rows;
   static const char* const kOrders[] = {"XYZ", "XZY", "YZX", "YXZ", "ZXY", "ZYX"};
-  for (int order = 0; order < 6; ++order) {
-    rows.push_back({kOrders[order], order});
-    rows.push_back({kOrders[order], order, true});
-  }
+  for (int order = 0; order < 6; ++order)
+    for (const bool preAndPost : {false, true}) rows.push_back({kOrders[order], order, preAndPost});
   rows.push_back({"pivots", -1, false, true});
   rows.push_back({"everything", -1, true, true, 1, Scales::Free});
   static const char* const kInherits[] = {"RrSs", "RSrs", "Rrs"};
@@ -169,59 +145,47 @@ std::vector<ChainRow> ChainRows() {
     rows.push_back({kInherits[inherit], 0, true, true, inherit, Scales::AboutZ});
   }
   rows.push_back({"inherit types in turn", 0, true, true, -1, Scales::AboutZ});
-  struct SystemRow {
-    const char* name;
-    FbxAxisSystem axes;
-    double centimetres;
-    HostStage stage;
+
+  const auto system = [&](const char* name, const FbxAxisSystem& axes, double centimetres, const HostStage& stage) {
+    rows.push_back({name, -1, true, true, 1, Scales::Free, axes, centimetres, stage});
   };
-  const SystemRow systems[] = {{"inch", FbxAxisSystem::ZUp(), 2.54, {}},
-                               {"metre", FbxAxisSystem::YUp(), 100, {}},
-                               {"inch to inch", FbxAxisSystem::YUp(), 2.54, kInchStage},
-                               {"centimetre to metre, Y up", FbxAxisSystem::ZUp(), 1, kMetreYStage},
-                               {"Y up to Y up", FbxAxisSystem::YUp(), 1, kYStage},
-                               {"X up", kXUp, 1, {}},
-                               {"X up to Y up", kXUp, 1, kYStage},
-                               {"left-handed, Y up", kLeftYUp, 1, {}},
-                               {"left-handed, Z up, to Y up", kLeftZUp, 1, kYStage}};
-  for (const SystemRow& system : systems)
-    rows.push_back({system.name, -1, true, true, 1, Scales::Free, system.axes, system.centimetres, system.stage});
-  struct KeysRow {
-    const char* name;
-    Keys keys;
+  system("inch", FbxAxisSystem::ZUp(), 2.54, {});
+  system("metre", FbxAxisSystem::YUp(), 100, {});
+  system("metre to inch", FbxAxisSystem::ZUp(), 100, kInchStage);
+  system("inch to inch", FbxAxisSystem::YUp(), 2.54, kInchStage);
+  system("centimetre to metre, Y up", FbxAxisSystem::ZUp(), 1, kMetreYStage);
+  system("Y up to Y up", FbxAxisSystem::YUp(), 1, kYStage);
+  system("X up", kXUp, 1, {});
+  system("X up to Y up", kXUp, 1, kYStage);
+  system("left-handed, Y up", kLeftYUp, 1, {});
+  system("left-handed, Z up, to Y up", kLeftZUp, 1, kYStage);
+
+  const auto keys = [&](const char* name, Keys kind) {
+    rows.push_back({name, -1, true});
+    rows.back().keys = kind;
   };
-  for (const KeysRow& row : {KeysRow{"constant keys", Keys::Constant},
-                             {"linear keys", Keys::Linear},
-                             {"user tangents", Keys::UserTangents},
-                             {"weighted tangents", Keys::Weighted},
-                             {"a key a frame", Keys::EveryFrame}}) {
-    rows.push_back({row.name, -1, true});
-    rows.back().keys = row.keys;
-  }
-  struct LayersRow {
-    const char* name;
-    std::vector<LayerRow> above;
+  keys("constant keys", Keys::Constant);
+  keys("linear keys", Keys::Linear);
+  keys("user tangents", Keys::UserTangents);
+  keys("weighted tangents", Keys::Weighted);
+
+  const auto layers = [&](const char* name, std::vector<LayerRow> above) {
+    rows.push_back({name, -1, true, false, 1, Scales::Free});
+    rows.back().above = std::move(above);
   };
-  const LayersRow layers[] = {
-      {"additive", {{LayerBlend::Additive}}},
-      {"additive at 35 percent", {{LayerBlend::Additive, 35}}},
-      {"additive by angles", {{LayerBlend::Additive, 35, false, false, true, 1, 1}}},
-      {"override", {{LayerBlend::Override, 50}}},
-      {"override passing through", {{LayerBlend::OverridePassthrough, 60}}},
-      {"mute", {{LayerBlend::Override, 100, true}}},
-      {"solo", {{LayerBlend::Additive, 100, false, false}, {LayerBlend::Override, 100, false, true}}},
-      {"weight curve", {{LayerBlend::OverridePassthrough, 0, false, false, true, 0, 0, true}}},
-      {"an empty one", {{LayerBlend::Override, 100, false, false, false}}},
-      {"four",
-       {{LayerBlend::Additive, 50},
-        {LayerBlend::OverridePassthrough, 30},
-        {LayerBlend::Additive, 80, false, false, true, 1},
-        {LayerBlend::Override, 100, true}}},
-  };
-  for (const LayersRow& row : layers) {
-    rows.push_back({row.name, -1, true, false, 1, Scales::Free});
-    rows.back().above = row.above;
-  }
+  layers("additive", {{LayerBlend::Additive}});
+  layers("additive at 35 percent", {{LayerBlend::Additive, 35}});
+  layers("additive by angles", {{LayerBlend::Additive, 35, false, false, true, 1, 1}});
+  layers("override", {{LayerBlend::Override, 50}});
+  layers("override passing through", {{LayerBlend::OverridePassthrough, 60}});
+  layers("mute", {{LayerBlend::Override, 100, true}});
+  layers("solo", {{LayerBlend::Additive, 100, false, false}, {LayerBlend::Override, 100, false, true}});
+  layers("weight curve", {{LayerBlend::OverridePassthrough, 0, false, false, true, 0, 0, true}});
+  layers("an empty one", {{LayerBlend::Override, 100, false, false, false}});
+  layers("four", {{LayerBlend::Additive, 50},
+                  {LayerBlend::OverridePassthrough, 30},
+                  {LayerBlend::Additive, 80, false, false, true, 1},
+                  {LayerBlend::Override, 100, true}});
   return rows;
 }
 

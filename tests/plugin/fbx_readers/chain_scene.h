@@ -24,8 +24,7 @@ struct LayerRow {
 };
 
 enum class Scales { None, Free, AboutZ };
-/// EveryFrame: a key a frame, straight between them, as programs write that bake.
-enum class Keys { Random, Constant, Linear, UserTangents, Weighted, EveryFrame };
+enum class Keys { Random, Constant, Linear, UserTangents, Weighted };
 
 struct ChainRow {
   const char* name;

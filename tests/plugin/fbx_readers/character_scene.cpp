@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/fbx_readers/character_scene.h"
 
+#include "plugin/fbx/import_scenes_test.h"
+
 namespace tavrilon::fbx {
 
 namespace {
@@ -11,26 +13,19 @@ constexpr int kRows = 6, kColumns = 4;
 
 CharacterScene::CharacterScene() {
   scene->GetGlobalSettings().SetTimeMode(FbxTime::ConvertFrameRateToTimeMode(kRate));
-  FbxNode* hips = Bone(scene->GetRootNode(), "Hips", {0, 90, 3}, {5, 10, -4});
-  FbxNode* spine = Bone(hips, "Spine", {0, 25, 1}, {-10, 20, 30});
-  Bone(spine, "Head", {1, 30, 0}, {0, -15, 8});
-  FbxNode* thigh = Bone(hips, "ns:Thigh", {12, -5, 0}, {170, 5, 0});
-  Bone(thigh, "Shin", {0, 40, 2}, {15, 0, 0});
+  FbxNode* hips = import_test::AddBone(*scene, "Hips", nullptr, {0, 90, 3});
+  FbxNode* spine = import_test::AddBone(*scene, "Spine", hips, {0, 25, 1});
+  FbxNode* head = import_test::AddBone(*scene, "Head", spine, {1, 30, 0});
+  FbxNode* thigh = import_test::AddBone(*scene, "ns:Thigh", hips, {12, -5, 0});
+  FbxNode* shin = import_test::AddBone(*scene, "Shin", thigh, {0, 40, 2});
+  const Vector3 rotations[] = {{5, 10, -4}, {-10, 20, 30}, {0, -15, 8}, {170, 5, 0}, {15, 0, 0}};
+  bones = {hips, spine, head, thigh, shin};
+  for (size_t i = 0; i < bones.size(); ++i) bones[i]->transform.rotation = rotations[i];
   MakeMesh();
   MakeSkin();
   MakeShape();
   MakePose();
   Animate();
-}
-
-FbxNode* CharacterScene::Bone(FbxNode* parent, const char* name, const Vector3& translation, const Vector3& rotation) {
-  FbxNode* node = FbxNode::Create(*scene, name);
-  parent->AddChild(node);
-  node->SetNodeAttribute(FbxSkeleton::Create(*scene, name));
-  node->transform.translation = translation;
-  node->transform.rotation = rotation;
-  bones.push_back(node);
-  return node;
 }
 
 // A curved sheet of quads with a UV seam, one material in front and one behind.
@@ -120,10 +115,7 @@ void CharacterScene::Animate() {
   stack->localStart = stack->referenceStart = FrameTime(10);
   stack->localStop = stack->referenceStop = FrameTime(10 + kFrames);
   const auto animate = [&](FbxObject* target, const char* property, size_t channels, const Vector3& rest, double size) {
-    FbxAnimCurveNode* node = FbxAnimCurveNode::Create(*scene, property);
-    node->target = target;
-    node->property = property;
-    layer->curveNodes.push_back(node);
+    FbxAnimCurveNode* node = import_test::AddCurves(*scene, *layer, target, property);
     for (size_t i = 0; i < channels; ++i) {
       node->defaults[i] = rest[i];
       node->curves[i].shapes.resize(1);
@@ -138,13 +130,6 @@ void CharacterScene::Animate() {
   animate(bones[0], "Lcl Translation", 3, bones[0]->transform.translation, 10);
   animate(bones[2], "Lcl Scaling", 3, bones[2]->transform.scaling, 0.25);
   animate(smile, "DeformPercent", 1, {50, 0, 0}, 50);
-}
-
-std::vector<uint8_t> CharacterScene::Written(int format) const {
-  const std::unique_ptr<FbxManager> manager = FbxManager::Create();
-  const std::unique_ptr<FbxExporter> exporter = FbxExporter::Create(*manager, "character");
-  exporter->Initialize("character.fbx", format);
-  return exporter->Write(*scene);
 }
 
 }  // namespace tavrilon::fbx

@@ -24,11 +24,8 @@ struct CharacterScene {
 
   CharacterScene();
   static FbxTime FrameTime(int frame) { return FbxTime::FromSeconds(frame / kRate); }
-  /// The file's bytes.
-  std::vector<uint8_t> Written(int format = 0) const;
 
  private:
-  FbxNode* Bone(FbxNode* parent, const char* name, const Vector3& translation, const Vector3& rotation);
   void MakeMesh();
   void MakeSkin();
   void MakeShape();

@@ -3,11 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "host/core/class_desc.h"
 #include "host/io/atomic_file.h"
 #include "host/io/scene_file.h"
+#include "host/io/temp_folder_test.h"
 #include "host/scene/core_interface.h"
 #include "plugin/fbx/format/sdk.h"
 #include "plugin/frame/class_table.h"
@@ -49,12 +48,9 @@ bool HostTrip::Export(const std::function<bool(corvanta::INode&)>& isWanted, con
   std::vector<corvanta::INode*> nodes;
   for (const auto& node : GetScene().Nodes())
     if (!isWanted || isWanted(*node)) nodes.push_back(node.Get());
-  std::string folder = (std::filesystem::temp_directory_path() / "fbx_XXXXXX").string();
-  if (!mkdtemp(folder.data())) return false;
-  const std::string out = folder + "/out.fbx";
-  const bool done = ExportFbx(nodes, FromUtf8(out), options, exported);
-  if (done) bytes = FileBytes(out);
-  std::filesystem::remove_all(folder);
+  const corvanta::TempFolder folder;
+  const bool done = ExportFbx(nodes, folder.File(L"out.fbx"), options, exported);
+  if (done) bytes = FileBytes(ToUtf8(folder.File(L"out.fbx")));
   return done;
 }
 
@@ -71,21 +67,6 @@ std::string HostTrip::Log() const {
     for (const corvanta::WStr& line : report->log) text += ToUtf8(line) + "\n";
   }
   return text;
-}
-
-void Deviation::Add(const Affine& found, const Affine& wanted) {
-  place = std::max(place, Length(found.row[3] - wanted.row[3]));
-  for (int i = 0; i < 3; ++i) {
-    const Vector3 &f = found.row[i], &w = wanted.row[i];
-    degrees = std::max(degrees, std::atan2(Length(Cross(f, w)), Dot(f, w)) / kDegreesToRadians);
-    scale = std::max(scale, std::abs(Length(f) / Length(w) - 1));
-  }
-}
-
-void Deviation::Add(const Deviation& other) {
-  place = std::max(place, other.place);
-  degrees = std::max(degrees, other.degrees);
-  scale = std::max(scale, other.scale);
 }
 
 }  // namespace tavrilon::fbx

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-// FBX files into the host's scene and out again, and how far matrices are apart.
+// FBX files into the host's scene and out again.
 #pragma once
 
-#include <algorithm>
 #include <functional>
 #include <vector>
 
@@ -25,6 +24,11 @@ struct HostStage {
   corvanta::UpAxis upAxis = corvanta::UpAxis::Z;
 };
 
+/// The axes of the files that come out.
+inline FbxAxisSystem AxesOf(const HostStage& stage) {
+  return stage.upAxis == corvanta::UpAxis::Y ? FbxAxisSystem::YUp() : FbxAxisSystem::ZUp();
+}
+
 /// An empty scene, a file into it, all of its nodes out again.
 class HostTrip {
  public:
@@ -39,13 +43,6 @@ class HostTrip {
 
   std::vector<uint8_t> bytes;
   corvanta::ExchangeReport imported, exported;
-};
-
-/// How far matrices are apart: places, turns of axes in degrees, lengths of axes as a share.
-struct Deviation {
-  double place = 0, degrees = 0, scale = 0;
-  void Add(const Affine& found, const Affine& wanted);
-  void Add(const Deviation& other);
 };
 
 }  // namespace tavrilon::fbx

@@ -66,6 +66,8 @@ Scene::~Scene() {
     (*it)->children_.clear();
     (*it)->inScene_ = false;
   }
+  root_->children_.clear();
+  root_->DeleteAllRefs();
   trackRoot_->DeleteAllRefs();
 }
 

@@ -174,5 +174,13 @@ TEST_F(NodeTest, NamesOfNewNodesAreUnique) {
   EXPECT_EQ(names.back(), L"Point005");
 }
 
+// Under the address sanitizer: the root must not tell children that went before it.
+TEST_F(NodeTest, SceneGoesWhoseRootHasAController) {
+  MakeNode(L"child", MakeNode(L"parent"));
+  EXPECT_TRUE(GetScene().GetRootNode()->SetTMController(new TestMatrix));
+  ReplaceScene(std::make_unique<Scene>());
+  EXPECT_TRUE(GetScene().Nodes().empty());
+}
+
 }  // namespace
 }  // namespace corvanta

@@ -11,16 +11,15 @@
 namespace tavrilon::fbx {
 namespace {
 
+// A quarter turn about an axis takes the next axis to the one after it, and that to the next one's opposite.
 TEST(FbxAffine, RotationsAreRightHanded) {
-  // A quarter turn about an axis takes the next axis to the one after it.
-  struct Row {
-    Vector3 degrees, from, to;
-  };
-  const Row rows[] = {
-      {{90, 0, 0}, {0, 1, 0}, {0, 0, 1}},  {{90, 0, 0}, {0, 0, 1}, {0, -1, 0}}, {{0, 90, 0}, {0, 0, 1}, {1, 0, 0}},
-      {{0, 90, 0}, {1, 0, 0}, {0, 0, -1}}, {{0, 0, 90}, {1, 0, 0}, {0, 1, 0}},  {{0, 0, 90}, {0, 1, 0}, {-1, 0, 0}},
-  };
-  for (const Row& row : rows) ExpectNear(row.from * Rotation(row.degrees), row.to);
+  for (size_t axis = 0; axis < 3; ++axis) {
+    Vector3 degrees, next, after;
+    degrees[axis] = 90;
+    next[(axis + 1) % 3] = after[(axis + 2) % 3] = 1;
+    ExpectNear(next * Rotation(degrees), after);
+    ExpectNear(after * Rotation(degrees), next * -1.0);
+  }
 }
 
 struct Order {
@@ -125,20 +124,12 @@ TEST(FbxAffine, GeometryIsScaledThenTurnedThenMoved) {
 }
 
 TEST(FbxTime, RatesAndTicks) {
-  struct Row {
-    TimeMode mode;
-    double rate;
-  };
-  const Row rows[] = {{TimeMode::Frames24, 24},  {TimeMode::Pal, 25},      {TimeMode::Frames30, 30},
-                      {TimeMode::Frames48, 48},  {TimeMode::Frames50, 50}, {TimeMode::Frames60, 60},
-                      {TimeMode::Frames72, 72},  {TimeMode::Frames96, 96}, {TimeMode::Frames100, 100},
-                      {TimeMode::Frames120, 120}};
-  for (const Row& row : rows) {
-    EXPECT_EQ(FbxTime::ConvertFrameRateToTimeMode(row.rate), row.mode);
-    EXPECT_EQ(FbxTime::GetFrameRate(row.mode), row.rate);
+  // The rates that films and screens are made at have a mode and whole ticks a frame.
+  for (int64_t rate : {24, 25, 30, 48, 50, 60, 100, 120}) {
+    EXPECT_EQ(FbxTime::GetFrameRate(FbxTime::ConvertFrameRateToTimeMode(static_cast<double>(rate))), rate);
+    EXPECT_EQ(FbxTime::kTicksPerSecond % rate, 0) << rate;
   }
-  // The rates that films and screens are made at have whole ticks a frame.
-  for (int64_t rate : {24, 25, 30, 48, 50, 60, 100, 120}) EXPECT_EQ(FbxTime::kTicksPerSecond % rate, 0) << rate;
+  EXPECT_EQ(FbxTime::GetFrameRate(TimeMode::Pal), 25);
   EXPECT_EQ(FbxTime::ConvertFrameRateToTimeMode(29.97), TimeMode::Custom);
   EXPECT_EQ(FbxTime::ConvertFrameRateToTimeMode(29.97, 1e-3), TimeMode::NtscFullFrame);
   EXPECT_EQ(FbxTime::GetFrameRate(TimeMode::Custom), 0);

@@ -21,17 +21,16 @@ struct Sample {
   FbxNode* node = FbxNode::Create(*scene, "a");
   FbxAnimStack* stack = FbxAnimStack::Create(*scene, "take");
 
-  FbxAnimLayer* Layer() {
-    FbxAnimLayer* layer = FbxAnimLayer::Create(*scene, "layer");
-    stack->layers.push_back(layer);
-    return layer;
-  }
-  void Still(FbxAnimLayer* layer, const std::string& property, const Vector3& values) {
+  /// A curve node of `property`, on a layer of its own.
+  FbxAnimLayer* Still(const std::string& property, const Vector3& values) {
     FbxAnimCurveNode* curves = FbxAnimCurveNode::Create(*scene, property);
     curves->target = node;
     curves->property = property;
     for (size_t i = 0; i < 3; ++i) curves->curves[i] = Ramp(values[i], values[i]);
-    layer->curveNodes.push_back(curves);
+    FbxAnimLayer* layer = FbxAnimLayer::Create(*scene, "layer");
+    layer->curveNodes = {curves};
+    stack->layers.push_back(layer);
+    return layer;
   }
   NodeTransform Transform(double seconds = 0.5) {
     return SceneEvaluator(*scene, stack).Transform(node, Seconds(seconds));
@@ -64,11 +63,8 @@ TEST(FbxEvaluator, LayersOfPositions) {
     SCOPED_TRACE(row.name);
     Sample sample;
     sample.node->transform.translation = {1, 1, 1};
-    FbxAnimLayer* base = sample.Layer();
-    sample.Still(base, "Lcl Translation", {10, 10, 10});
-    base->solo = row.soloBase;
-    FbxAnimLayer* top = sample.Layer();
-    sample.Still(top, "Lcl Translation", {4, 4, 4});
+    sample.Still("Lcl Translation", {10, 10, 10})->solo = row.soloBase;
+    FbxAnimLayer* top = sample.Still("Lcl Translation", {4, 4, 4});
     top->blend = row.blend;
     top->weight = row.weight;
     top->mute = row.mute;
@@ -89,9 +85,8 @@ TEST(FbxEvaluator, LayersOfScales) {
   for (const Row& row : rows) {
     SCOPED_TRACE(testing::Message() << row.accumulation << ' ' << row.weight);
     Sample sample;
-    sample.Still(sample.Layer(), "Lcl Scaling", {3, 3, 3});
-    FbxAnimLayer* top = sample.Layer();
-    sample.Still(top, "Lcl Scaling", {4, -4, 1});
+    sample.Still("Lcl Scaling", {3, 3, 3});
+    FbxAnimLayer* top = sample.Still("Lcl Scaling", {4, -4, 1});
     top->scaleAccumulation = row.accumulation;
     top->weight = row.weight;
     ExpectNear(sample.Transform().scaling, row.expected);
@@ -105,6 +100,7 @@ TEST(FbxEvaluator, LayersOfRotations) {
     int accumulation;
     double weight;
     Affine expected;
+    Vector3 base = {90, 0, 0}, top = {0, 0, 80};
   };
   const Affine base = Rotation({90, 0, 0});
   const Row rows[] = {
@@ -114,6 +110,14 @@ TEST(FbxEvaluator, LayersOfRotations) {
       {"override", LayerBlend::Override, 0, 50, Rotation({0, 0, 80})},
       {"mixed in full", LayerBlend::OverridePassthrough, 0, 100, Rotation({0, 0, 80})},
       {"angles mixed", LayerBlend::OverridePassthrough, 1, 50, Rotation({45, 0, 40})},
+      {"by half, the short way", LayerBlend::Additive, 0, 50, Rotation({5, 0, 0}), {90, 0, 0}, {-170, 0, 0}},
+      {"mixed, the short way",
+       LayerBlend::OverridePassthrough,
+       0,
+       50,
+       Rotation({180, 0, 0}),
+       {170, 0, 0},
+       {-170, 0, 0}},
   };
   for (const Row& row : rows) {
     for (const RotationOrder order : {RotationOrder::XYZ, RotationOrder::ZYX}) {
@@ -122,9 +126,8 @@ TEST(FbxEvaluator, LayersOfRotations) {
       Sample sample;
       sample.node->transform.rotationActive = true;
       sample.node->transform.order = order;
-      sample.Still(sample.Layer(), "Lcl Rotation", {90, 0, 0});
-      FbxAnimLayer* top = sample.Layer();
-      sample.Still(top, "Lcl Rotation", {0, 0, 80});
+      sample.Still("Lcl Rotation", row.base);
+      FbxAnimLayer* top = sample.Still("Lcl Rotation", row.top);
       top->blend = row.blend;
       top->rotationAccumulation = row.accumulation;
       top->weight = row.weight;
@@ -134,35 +137,16 @@ TEST(FbxEvaluator, LayersOfRotations) {
   }
 }
 
-// Half way from one turn about X to another, passing through, is the turn in between.
-TEST(FbxEvaluator, RotationsMixOnTheShortWay) {
+TEST(FbxEvaluator, AnimatedWeightAndDefaults) {
   Sample sample;
-  sample.Still(sample.Layer(), "Lcl Rotation", {170, 0, 0});
-  FbxAnimLayer* top = sample.Layer();
-  sample.Still(top, "Lcl Rotation", {-170, 0, 0});
-  top->blend = LayerBlend::OverridePassthrough;
-  top->weight = 50;
-  ExpectNear(LocalRotation(sample.Transform()), Rotation({180, 0, 0}), 1e-9);
-}
-
-TEST(FbxEvaluator, AnimatedWeight) {
-  Sample sample;
-  sample.Still(sample.Layer(), "Lcl Translation", {10, 0, 0});
-  FbxAnimLayer* top = sample.Layer();
-  sample.Still(top, "Lcl Translation", {4, 0, 0});
-  top->weightCurve = Ramp(0, 100);
+  FbxAnimCurveNode* curves = sample.Still("Lcl Translation", {10, 0, 0})->curveNodes[0];
+  sample.Still("Lcl Translation", {4, 0, 0})->weightCurve = Ramp(0, 100);
   for (double t : {0.0, 0.25, 1.0}) EXPECT_NEAR(sample.Transform(t).translation.x, 10 + 4 * t, 1e-9);
-}
-
-TEST(FbxEvaluator, ChannelsWithoutACurveTakeTheDefault) {
-  Sample sample;
-  FbxAnimCurveNode* curves = FbxAnimCurveNode::Create(*sample.scene, "T");
-  curves->target = sample.node;
-  curves->property = "Lcl Translation";
+  // A channel without a curve takes the default.
   curves->defaults = {7, 8, 9};
-  curves->curves[1] = Ramp(0, 2);
-  sample.Layer()->curveNodes.push_back(curves);
-  ExpectNear(sample.Transform().translation, {7, 1, 9});
+  curves->curves = {FbxAnimCurve(), Ramp(0, 2), FbxAnimCurve()};
+  ExpectNear(sample.Transform(0).translation, {7, 0, 9});
+  ExpectNear(sample.Transform(0.5).translation, {9, 1, 9});
 }
 
 // Parent (2, 1, 1) below a grandparent (1, 5, 1) that is turned a quarter about Z; the child is turned a quarter too.
@@ -203,9 +187,7 @@ TEST(FbxEvaluator, InheritTypes) {
 
 // Asking in any order, and for any nodes in between, gives what a new evaluator gives.
 TEST(FbxEvaluator, KeepsNothingStale) {
-  const auto read = std::make_unique<Imported>();
-  ASSERT_TRUE(read->importer->Initialize(DataFile("mixamo_walk.fbx")) && read->importer->Import(*read->scene))
-      << read->Error();
+  const auto read = ReadFile("mixamo_walk.fbx");
   const std::vector<FbxNode*>& nodes = read->scene->Nodes();
   SceneEvaluator kept(*read->scene, read->scene->CurrentStack());
   for (int i = 0; i < 200; ++i) {
@@ -215,37 +197,21 @@ TEST(FbxEvaluator, KeepsNothingStale) {
   }
 }
 
-TEST(FbxEvaluator, DeepChains) {
-  const auto scene = FbxScene::Create("s");
-  FbxNode* last = scene->GetRootNode();
-  constexpr int kDepth = 5000;
-  for (int i = 0; i < kDepth; ++i) {
-    FbxNode* node = FbxNode::Create(*scene, "n");
-    node->transform.translation = {1, 0, 0};
-    ASSERT_TRUE(i == 0 || last->AddChild(node));
-    last = node;
-  }
-  EXPECT_EQ(SceneEvaluator(*scene, nullptr).World(last, {}).row[3], (Vector3{kDepth, 0, 0}));
-}
-
 TEST(FbxEvaluator, ShapesAndStrangers) {
-  Sample sample;
-  FbxBlendShapeChannel* channel = FbxBlendShapeChannel::Create(*sample.scene, "smile");
-  channel->deformPercent = 35;
-  FbxBlendShapeChannel* still = FbxBlendShapeChannel::Create(*sample.scene, "frown");
+  SmallScene s;
+  FbxBlendShapeChannel* still = FbxBlendShapeChannel::Create(*s.scene, "frown");
+  s.channel->deformPercent = 35;
   still->deformPercent = 20;
-  FbxAnimCurveNode* curves = FbxAnimCurveNode::Create(*sample.scene, "DeformPercent");
-  curves->target = channel;
-  curves->property = "DeformPercent";
-  curves->curves[0] = Ramp(0, 100);
-  sample.Layer()->curveNodes.push_back(curves);
-  SceneEvaluator evaluator(*sample.scene, sample.stack);
-  EXPECT_NEAR(evaluator.DeformPercent(channel, Seconds(0.75)), 75, 1e-9);
+  s.curves->target = s.channel;
+  s.curves->property = "DeformPercent";
+  s.curves->curves[0] = Ramp(0, 100);
+  SceneEvaluator evaluator(*s.scene, s.stack);
+  EXPECT_NEAR(evaluator.DeformPercent(s.channel, Seconds(0.75)), 75, 1e-9);
   EXPECT_EQ(evaluator.DeformPercent(still, Seconds(0.75)), 20);
-  EXPECT_TRUE(evaluator.IsAnimated(channel));
+  EXPECT_TRUE(evaluator.IsAnimated(s.channel));
   EXPECT_FALSE(evaluator.IsAnimated(still));
-  EXPECT_FALSE(evaluator.IsAnimated(sample.node));
-  EXPECT_EQ(evaluator.World(sample.scene->GetRootNode(), {}), Affine());
+  EXPECT_FALSE(evaluator.IsAnimated(s.node));
+  EXPECT_EQ(evaluator.World(s.scene->GetRootNode(), {}), Affine());
   EXPECT_EQ(evaluator.World(nullptr, {}), Affine());
 }
 

@@ -26,7 +26,7 @@ class RandomScene {
   }
 
  private:
-  explicit RandomScene(unsigned seed) : rng_(seed), scene_(FbxScene::Create("Random")) {}
+  explicit RandomScene(unsigned seed) : rng_(seed), scene_(FbxScene::Create("sample")) {}
 
   int Int(int low, int high) { return std::uniform_int_distribution<int>(low, high)(rng_); }
   size_t Index(size_t count) { return static_cast<size_t>(Int(0, static_cast<int>(count) - 1)); }
@@ -36,6 +36,10 @@ class RandomScene {
   Vector3 Colour() { return {std::abs(Number(1)), std::abs(Number(1)), std::abs(Number(1))}; }
   Affine Matrix() { return {{Vector(1), Vector(1), Vector(1), Vector()}}; }
   FbxTime Time() { return {std::uniform_int_distribution<int64_t>(-1LL << 40, 1LL << 40)(rng_)}; }
+  template <class T>
+  T* New(const char* word) {
+    return T::Create(*scene_, Name(word));
+  }
   template <class T>
   T* Any(const std::vector<T*>& list) {
     return list[Index(list.size())];
@@ -63,14 +67,14 @@ class RandomScene {
 
   void Materials() {
     for (int i = Int(0, 3); i > 0; --i) {
-      FbxTexture* texture = FbxTexture::Create(*scene_, Name("texture"));
+      auto* texture = New<FbxTexture>("texture");
       texture->fileName = "C:\\textures\\" + texture->GetName();
       texture->relativeFileName = "textures\\" + texture->GetName();
       texture->uvSet = Chance(50) ? "map1" : "";
       textures_.push_back(texture);
     }
     for (int i = Int(1, 3); i > 0; --i) {
-      FbxSurfaceMaterial* material = FbxSurfaceMaterial::Create(*scene_, Name("material"));
+      auto* material = New<FbxSurfaceMaterial>("material");
       if (Chance(30)) material->shadingModel = "Lambert";
       for (Vector3* colour :
            {&material->diffuse, &material->emissive, &material->specular, &material->transparentColour}) {
@@ -88,7 +92,7 @@ class RandomScene {
 
   void Nodes() {
     for (int i = Int(2, 15); i > 0; --i) {
-      FbxNode* node = FbxNode::Create(*scene_, Name("node"));
+      auto* node = New<FbxNode>("node");
       if (scene_->Nodes().size() > 1 && Chance(70)) Any(scene_->Nodes())->AddChild(node);
       Transform(node->transform);
       node->visible = Chance(80);
@@ -118,14 +122,13 @@ class RandomScene {
     const int kind = Int(0, 6);
     if (kind == 0 && !attributes_.empty()) attribute = Any(attributes_);  // shared
     if (kind == 1) {
-      FbxNull* null = FbxNull::Create(*scene_, Name("null"));
-      null->size = Number();
-      attribute = null;
+      attribute = New<FbxNull>("null");
+      static_cast<FbxNull*>(attribute)->size = Number();
     }
     if (kind == 2) attribute = FbxOtherAttribute::Create(*scene_, Name("eye"), AttributeKind::Camera, "Camera");
     if (kind == 3) attribute = FbxOtherAttribute::Create(*scene_, Name("lamp"), AttributeKind::Light, "Light");
     if (kind == 4) {
-      FbxSkeleton* skeleton = FbxSkeleton::Create(*scene_, Name("bone"));
+      auto* skeleton = New<FbxSkeleton>("bone");
       skeleton->type = static_cast<SkeletonType>(Int(0, 3));
       skeleton->size = Number();
       skeleton->limbLength = Number();
@@ -139,7 +142,7 @@ class RandomScene {
   }
 
   FbxMesh* Mesh() {
-    FbxMesh* mesh = FbxMesh::Create(*scene_, Name("mesh"));
+    auto* mesh = New<FbxMesh>("mesh");
     for (int i = Int(4, 40); i > 0; --i) mesh->controlPoints.push_back(Vector());
     std::vector<int> points(mesh->controlPoints.size());
     std::iota(points.begin(), points.end(), 0);
@@ -203,7 +206,7 @@ class RandomScene {
 
   void Deform(FbxMesh& mesh) {
     if (Chance(70)) {
-      FbxSkin* skin = FbxSkin::Create(*scene_, Name("skin"));
+      auto* skin = New<FbxSkin>("skin");
       for (int i = Int(1, 4); i > 0; --i) {
         FbxCluster cluster{Name("cluster"), Any(scene_->Nodes()), Points(mesh, 40 * Int(0, 2)), {}, Matrix(), Matrix()};
         for (size_t k = 0; k < cluster.indices.size(); ++k) cluster.weights.push_back(std::abs(Number(1)));
@@ -212,10 +215,10 @@ class RandomScene {
       mesh.skins.push_back(skin);
     }
     if (!Chance(60)) return;
-    FbxBlendShape* blend = FbxBlendShape::Create(*scene_, Name("blend"));
+    auto* blend = New<FbxBlendShape>("blend");
     mesh.blendShapes.push_back(blend);
     for (int i = Int(1, 3); i > 0; --i) {
-      FbxBlendShapeChannel* channel = FbxBlendShapeChannel::Create(*scene_, Name("channel"));
+      auto* channel = New<FbxBlendShapeChannel>("channel");
       channel->deformPercent = Chance(50) ? 0 : Number();
       const int targets = Int(1, 3);
       for (int k = 1; k <= targets; ++k) {
@@ -234,7 +237,7 @@ class RandomScene {
 
   void Poses() {
     for (int i = Int(0, 2); i > 0; --i) {
-      FbxPose* pose = FbxPose::Create(*scene_, Name("pose"));
+      auto* pose = New<FbxPose>("pose");
       pose->isBindPose = Chance(70);
       for (FbxNode* node : scene_->Nodes()) {
         if (Chance(60)) pose->entries.push_back({node, Matrix()});
@@ -254,7 +257,7 @@ class RandomScene {
   }
 
   FbxAnimLayer* AnimLayer() {
-    FbxAnimLayer* layer = FbxAnimLayer::Create(*scene_, Name("layer"));
+    auto* layer = New<FbxAnimLayer>("layer");
     if (Chance(50)) {
       layer->weight = std::abs(Number());
       layer->mute = Chance(50);

@@ -2,6 +2,8 @@
 // Trees of records as plain values: random ones, written as binary files and as ASCII files, and read back.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <cstdint>
 #include <fstream>
@@ -41,7 +43,8 @@ class RandomForest {
     Forest forest;
     for (int i = Below(levels == 5 ? 6 : 4); i > 0 && levels > 0; --i) {
       Tree tree{Name(), {}, Make(levels - 1)};
-      for (int k = Below(4); k > 0; --k) tree.values.push_back(MakeValue());
+      for (int k = Below(4); k > 0; --k)
+        tree.values.push_back(MakeValue(std::make_index_sequence<std::variant_size_v<Value>>()));
       forest.push_back(std::move(tree));
     }
     return forest;
@@ -76,68 +79,48 @@ class RandomForest {
     for (size_t i = 0; i < numbers.size(); ++i) numbers[i] = random ? Number<T>() : static_cast<T>(i * 3);
     return numbers;
   }
-  Value MakeValue() {
-    switch (Below(12)) {
-      case 0:
-        return Below(2) > 0;
-      case 1:
-        return Number<int16_t>();
-      case 2:
-        return Number<int32_t>();
-      case 3:
-        return Number<int64_t>();
-      case 4:
-        return Number<float>();
-      case 5:
-        return Number<double>();
-      case 6:
-        return Text();
-      case 7:
-        return ToBytes(Text());
-      case 8:
-        return Numbers<int32_t>();
-      case 9:
-        return Numbers<int64_t>();
-      case 10:
-        return Numbers<float>();
-      default:
-        return Numbers<double>();
-    }
+  void Fill(bool& value) { value = Below(2) > 0; }
+  void Fill(std::string& value) { value = Text(); }
+  void Fill(Bytes& value) { value = ToBytes(Text()); }
+  template <class T>
+  void Fill(std::vector<T>& value) {
+    value = Numbers<T>();
+  }
+  template <class T>
+  void Fill(T& value) {
+    value = Number<T>();
+  }
+  template <size_t... kKinds>
+  Value MakeValue(std::index_sequence<kKinds...>) {
+    const Value empty[] = {Value(std::in_place_index<kKinds>)...};
+    Value value = empty[Below(sizeof...(kKinds))];
+    std::visit([this](auto& v) { this->Fill(v); }, value);
+    return value;
   }
 
   std::mt19937 rng_;
 };
 
-inline void Put(FbxDocumentWriter& out, const Value& value) {
-  std::visit(
-      [&](const auto& v) {
-        using T = std::decay_t<decltype(v)>;
-        if constexpr (std::is_same_v<T, bool>)
-          out.Bool(v);
-        else if constexpr (std::is_same_v<T, int16_t>)
-          out.Int16(v);
-        else if constexpr (std::is_same_v<T, int32_t>)
-          out.Int(v);
-        else if constexpr (std::is_same_v<T, int64_t>)
-          out.Long(v);
-        else if constexpr (std::is_same_v<T, float>)
-          out.Float(v);
-        else if constexpr (std::is_same_v<T, double>)
-          out.Double(v);
-        else if constexpr (std::is_same_v<T, std::string>)
-          out.Text(v);
-        else if constexpr (std::is_same_v<T, Bytes>)
-          out.Raw(v);
-        else
-          out.Array(std::span(v));
-      },
-      value);
-}
+struct ValueWriter {
+  FbxDocumentWriter& out;
+  void operator()(bool v) const { out.Bool(v); }
+  void operator()(int16_t v) const { out.Int16(v); }
+  void operator()(int32_t v) const { out.Int(v); }
+  void operator()(int64_t v) const { out.Long(v); }
+  void operator()(float v) const { out.Float(v); }
+  void operator()(double v) const { out.Double(v); }
+  void operator()(const std::string& v) const { out.Text(v); }
+  void operator()(const Bytes& v) const { out.Raw(v); }
+  template <class T>
+  void operator()(const std::vector<T>& v) const {
+    out.Array(std::span(v));
+  }
+};
 
 inline void Put(FbxDocumentWriter& out, const Forest& forest) {
   for (const Tree& tree : forest) {
     out.Begin(tree.name);
-    for (const Value& value : tree.values) Put(out, value);
+    for (const Value& value : tree.values) std::visit(ValueWriter{out}, value);
     Put(out, tree.children);
     out.End();
   }
@@ -157,34 +140,19 @@ Value ReadArray(PropertyView property) {
 }
 
 inline Value ReadValue(PropertyView property) {
-  switch (property.Type()) {
-    case PropertyType::Bool:
-      return property.AsInt() != 0;
-    case PropertyType::Int16:
-      return static_cast<int16_t>(property.AsInt());
-    case PropertyType::Int32:
-      return static_cast<int32_t>(property.AsInt());
-    case PropertyType::Int64:
-      return property.AsInt();
-    case PropertyType::Float:
-      return static_cast<float>(property.AsDouble());
-    case PropertyType::Double:
-      return property.AsDouble();
-    case PropertyType::String:
-      return std::string(property.AsText());
-    case PropertyType::Raw:
-      return ToBytes(property.AsText());
-    case PropertyType::BoolArray:
-    case PropertyType::Int32Array:
-      return ReadArray<int32_t>(property);
-    case PropertyType::Int64Array:
-      return ReadArray<int64_t>(property);
-    case PropertyType::FloatArray:
-      return ReadArray<float>(property);
-    case PropertyType::DoubleArray:
-      return ReadArray<double>(property);
-  }
-  return false;
+  const PropertyType type = property.Type();
+  if (type == PropertyType::Bool) return property.AsInt() != 0;
+  if (type == PropertyType::Int16) return static_cast<int16_t>(property.AsInt());
+  if (type == PropertyType::Int32) return static_cast<int32_t>(property.AsInt());
+  if (type == PropertyType::Int64) return property.AsInt();
+  if (type == PropertyType::Float) return static_cast<float>(property.AsDouble());
+  if (type == PropertyType::Double) return property.AsDouble();
+  if (type == PropertyType::String) return std::string(property.AsText());
+  if (type == PropertyType::Raw) return ToBytes(property.AsText());
+  if (type == PropertyType::Int64Array) return ReadArray<int64_t>(property);
+  if (type == PropertyType::FloatArray) return ReadArray<float>(property);
+  if (type == PropertyType::DoubleArray) return ReadArray<double>(property);
+  return ReadArray<int32_t>(property);
 }
 
 inline Forest ReadForest(RecordView::Range records) {
@@ -232,6 +200,15 @@ inline Bytes ToAscii(const Forest& forest) {
   out << "; FBX 7.4.0 project file\n";
   PrintAscii(out, forest);
   return ToBytes(out.str());
+}
+
+/// What is told of a file that is refused; nothing of it stays.
+inline std::string ErrorOf(const Bytes& file, const ReadLimits& limits = {}) {
+  FbxDocument document;
+  EXPECT_FALSE(document.Parse(file, "f.fbx", limits)) << std::string(file.begin(), file.end());
+  EXPECT_EQ(document.NumRecords(), 0u);
+  EXPECT_FALSE(document.FirstRecord());
+  return document.GetStatus().GetErrorString();
 }
 
 inline Bytes ReadDataFile(const std::string& name) {

@@ -11,12 +11,6 @@
 namespace tavrilon::fbx {
 namespace {
 
-std::unique_ptr<Imported> ReadFile(const std::string& name) {
-  auto read = std::make_unique<Imported>();
-  EXPECT_TRUE(read->importer->Initialize(DataFile(name)) && read->importer->Import(*read->scene)) << read->Error();
-  return read;
-}
-
 TEST(FbxSceneReader, CountsOfFiles) {
   struct Row {
     const char* file;
@@ -118,63 +112,57 @@ TEST(FbxSceneReader, MeshOfTheCharacter) {
   EXPECT_NE(read->Log().find("Body.HeadTall"), std::string::npos);
 }
 
+// As files call them, whatever the writer believes.
+struct VectorRow {
+  const char* name;
+  Vector3 NodeTransform::*part;
+};
+const VectorRow kVectors[] = {{"Lcl Translation", &NodeTransform::translation},
+                              {"Lcl Rotation", &NodeTransform::rotation},
+                              {"Lcl Scaling", &NodeTransform::scaling},
+                              {"RotationOffset", &NodeTransform::rotationOffset},
+                              {"RotationPivot", &NodeTransform::rotationPivot},
+                              {"ScalingOffset", &NodeTransform::scalingOffset},
+                              {"ScalingPivot", &NodeTransform::scalingPivot},
+                              {"PreRotation", &NodeTransform::preRotation},
+                              {"PostRotation", &NodeTransform::postRotation},
+                              {"GeometricTranslation", &NodeTransform::geometricTranslation},
+                              {"GeometricRotation", &NodeTransform::geometricRotation},
+                              {"GeometricScaling", &NodeTransform::geometricScaling}};
+
 TEST(FbxSceneReader, EveryPartOfANode) {
-  const auto read = ReadText(SceneText(R"(
-    Model: 1, "Model::ns:a|b", "LimbNode" { Properties70: {
-      P: "Lcl Translation", "Lcl Translation", "", "A",1,2,3
-      P: "Lcl Rotation", "Lcl Rotation", "", "A",4,5,6
-      P: "Lcl Scaling", "Lcl Scaling", "", "A",7,8,9
-      P: "RotationOffset", "Vector3D", "Vector", "",1,0,0
-      P: "RotationPivot", "Vector3D", "Vector", "",2,0,0
-      P: "ScalingOffset", "Vector3D", "Vector", "",3,0,0
-      P: "ScalingPivot", "Vector3D", "Vector", "",4,0,0
-      P: "PreRotation", "Vector3D", "Vector", "",5,0,0
-      P: "PostRotation", "Vector3D", "Vector", "",6,0,0
-      P: "RotationActive", "bool", "", "",1
-      P: "RotationOrder", "enum", "", "",4
-      P: "InheritType", "enum", "", "",2
-      P: "GeometricTranslation", "Vector3D", "Vector", "",7,0,0
-      P: "GeometricRotation", "Vector3D", "Vector", "",8,0,0
-      P: "GeometricScaling", "Vector3D", "Vector", "",9,1,1
-      P: "Visibility", "Visibility", "", "A",0
-      P: "health", "Number", "", "AU",12.5
-      P: "kind", "KString", "", "U", "a b"
-      P: "offset", "Vector3D", "Vector", "U",1,2.5,-3 } }
-    Model: 2, "Model::plain", "Null" { }
-    NodeAttribute: 3, "NodeAttribute::", "Null" { Properties70: { P: "Color", "ColorRGB", "Color", "",1,0.5,0 
-      P: "Size", "double", "Number", "",12 } }
-    Model: 4, "Model::odd", "Null" { Properties70: { P: "RotationOrder", "enum", "", "",77
-      P: "Lcl Translation", "Lcl Translation", "", "A",nan,inf,3 } })",
-                                       "C: \"OO\",1,0\nC: \"OO\",2,1\nC: \"OO\",3,2\nC: \"OO\",4,0",
-                                       R"(Definitions: { ObjectType: "Model" { PropertyTemplate: "FbxNode" {
-      Properties70: { P: "InheritType", "enum", "", "",1
-      P: "Show", "bool", "", "",1
-      P: "Lcl Translation", "Lcl Translation", "", "A",0,0,40 } } } })"));
-  ASSERT_TRUE(read->Error().empty()) << read->Error();
-  const FbxNode* node = read->Node("ns:a|b");
-  ASSERT_TRUE(node);
   NodeTransform expected;
-  expected.translation = {1, 2, 3};
-  expected.rotation = {4, 5, 6};
-  expected.scaling = {7, 8, 9};
-  expected.rotationOffset = {1, 0, 0};
-  expected.rotationPivot = {2, 0, 0};
-  expected.scalingOffset = {3, 0, 0};
-  expected.scalingPivot = {4, 0, 0};
-  expected.preRotation = {5, 0, 0};
-  expected.postRotation = {6, 0, 0};
   expected.rotationActive = true;
   expected.order = RotationOrder::ZXY;
   expected.inherit = InheritType::Rrs;
-  expected.geometricTranslation = {7, 0, 0};
-  expected.geometricRotation = {8, 0, 0};
-  expected.geometricScaling = {9, 1, 1};
+  std::vector<std::pair<std::string, std::string>> rows = {
+      {"RotationActive", "1"}, {"RotationOrder", "4"}, {"InheritType", "2"}, {"Visibility", "0"}};
+  for (int i = 0; const VectorRow& row : kVectors) {
+    expected.*row.part = {i + 1.0, i + 2.0, i + 3.0};
+    rows.emplace_back(row.name, std::to_string(i + 1) + "," + std::to_string(i + 2) + "," + std::to_string(i + 3));
+    i += 3;
+  }
+  const std::string user = R"(P: "health", "Number", "", "AU",12.5
+      P: "kind", "KString", "", "U", "a b"
+      P: "offset", "Vector3D", "Vector", "U",1,2.5,-3)";
+  const auto read = ReadText(
+      SceneText(R"(Model: 1, "Model::ns:a|b", "LimbNode" {)" + Properties(rows, user) + R"(}
+    Model: 2, "Model::plain", "Null" { }
+    NodeAttribute: 3, "NodeAttribute::", "Null" {)" +
+                    Properties({{"Color", "1,0.5,0"}, {"Size", "12"}}) + R"(}
+    Model: 4, "Model::odd", "Null" {)" +
+                    Properties({{"RotationOrder", "77"}, {"Lcl Translation", "nan,inf,3"}}) + "}",
+                Links({{1, 0}, {2, 1}, {3, 2}, {4, 0}}),
+                R"(Definitions: { ObjectType: "Model" { PropertyTemplate: "FbxNode" {)" +
+                    Properties({{"InheritType", "1"}, {"Show", "1"}, {"Lcl Translation", "0,0,40"}}) + "} } }"));
+  ASSERT_TRUE(read->Error().empty()) << read->Error();
+  const FbxNode* node = read->Node("ns:a|b");
+  ASSERT_TRUE(node);
   EXPECT_EQ(node->transform, expected);
   EXPECT_FALSE(node->visible);
   EXPECT_EQ(node->FileId(), 1);
-  EXPECT_EQ(node->userProperties.at("health"), "12.5");
-  EXPECT_EQ(node->userProperties.at("kind"), "a b");
-  EXPECT_EQ(node->userProperties.at("offset"), "1 2.5 -3");
+  EXPECT_EQ(node->userProperties,
+            (decltype(node->userProperties){{"health", "12.5"}, {"kind", "a b"}, {"offset", "1 2.5 -3"}}));
   // A bone without an attribute of its own is a bone all the same.
   ASSERT_TRUE(node->GetNodeAttribute());
   EXPECT_EQ(node->GetNodeAttribute()->Kind(), AttributeKind::Skeleton);
@@ -194,7 +182,7 @@ TEST(FbxSceneReader, EveryPartOfANode) {
 }
 
 /// Two triangles 0 1 2 and 2 1 3 with an element.
-std::string MeshText(const std::string& inside) {
+std::string MeshText(const std::string& inside = "") {
   return R"(Geometry: 5, "Geometry::quad", "Mesh" {
     Vertices: *12 { a: 0,0,0, 1,0,0, 0,1,0, 1,1,0 }
     PolygonVertexIndex: *6 { a: 0,1,-3,2,1,-4 }
@@ -203,58 +191,41 @@ std::string MeshText(const std::string& inside) {
          " }";
 }
 
+std::string ElementText(const std::string& kind, const std::string& mapping, const std::string& values) {
+  const char* const reference = values.find("Index:") == std::string::npos ? "Direct" : "IndexToDirect";
+  return "LayerElement" + kind + ": 0 { MappingInformationType: \"" + mapping + "\"\nReferenceInformationType: \"" +
+         reference + "\"\n" + values + " }\n";
+}
+
 TEST(FbxSceneReader, ElementsOfMeshes) {
   struct Row {
-    const char* name;
-    const char* element;
-    const char* log;  // what is told, for an element that is left out
+    const char *name, *mapping, *values;
+    bool fits;
   };
   const Row rows[] = {
-      {"by point", R"(LayerElementUV: 0 { MappingInformationType: "ByVertice"
-        ReferenceInformationType: "Direct"  UV: *8 { a: 0,0,1,0,0,1,1,1 } })",
-       ""},
-      {"by corner, indexed", R"(LayerElementUV: 0 { MappingInformationType: "ByPolygonVertex"
-        ReferenceInformationType: "IndexToDirect"  UV: *2 { a: 0.5,1 } UVIndex: *6 { a: 0,0,0,-1,0,0 } })",
-       ""},
-      {"all the same", R"(LayerElementUV: 0 { MappingInformationType: "AllSame"
-        ReferenceInformationType: "Direct"  UV: *2 { a: 0.5,1 } })",
-       ""},
-      {"too few values", R"(LayerElementUV: 0 { MappingInformationType: "ByVertice"
-        ReferenceInformationType: "Direct"  UV: *6 { a: 0,0,1,0,0,1 } })",
-       "LayerElementUV that does not fit"},
-      {"too few indices", R"(LayerElementUV: 0 { MappingInformationType: "ByPolygonVertex"
-        ReferenceInformationType: "IndexToDirect"  UV: *2 { a: 0.5,1 } UVIndex: *5 { a: 0,0,0,0,0 } })",
-       "LayerElementUV that does not fit"},
-      {"index behind the values", R"(LayerElementUV: 0 { MappingInformationType: "ByPolygon"
-        ReferenceInformationType: "IndexToDirect"  UV: *2 { a: 0.5,1 } UVIndex: *2 { a: 0,1 } })",
-       "LayerElementUV that does not fit"},
-      {"index below", R"(LayerElementUV: 0 { MappingInformationType: "ByPolygon"
-        ReferenceInformationType: "IndexToDirect"  UV: *2 { a: 0.5,1 } UVIndex: *2 { a: 0,-2 } })",
-       "LayerElementUV that does not fit"},
-      {"mapping that is not known", R"(LayerElementUV: 0 { MappingInformationType: "ByMagic"
-        ReferenceInformationType: "Direct"  UV: *8 { a: 0,0,1,0,0,1,1,1 } })",
-       "LayerElementUV that does not fit"},
+      {"by point", "ByVertice", "UV: *8 { a: 0,0,1,0,0,1,1,1 }", true},
+      {"by corner", "ByPolygonVertex", "UV: *2 { a: 0.5,1 }\nUVIndex: *6 { a: 0,0,0,-1,0,0 }", true},
+      {"all the same", "AllSame", "UV: *2 { a: 0.5,1 }", true},
+      {"too few values", "ByVertice", "UV: *6 { a: 0,0,1,0,0,1 }", false},
+      {"too few indices", "ByPolygonVertex", "UV: *2 { a: 0.5,1 }\nUVIndex: *5 { a: 0,0,0,0,0 }", false},
+      {"index behind the values", "ByPolygon", "UV: *2 { a: 0.5,1 }\nUVIndex: *2 { a: 0,1 }", false},
+      {"index below", "ByPolygon", "UV: *2 { a: 0.5,1 }\nUVIndex: *2 { a: 0,-2 }", false},
+      {"mapping that is not known", "ByMagic", "UV: *8 { a: 0,0,1,0,0,1,1,1 }", false},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    const auto read = ReadText(SceneText(MeshText(row.element), ""));
+    const auto read = ReadText(SceneText(MeshText(ElementText("UV", row.mapping, row.values))));
     ASSERT_TRUE(read->Error().empty()) << read->Error();
     const FbxMesh& mesh = *read->All<FbxMesh>()[0];
     EXPECT_EQ(mesh.polygonStarts, (std::vector<int>{0, 3, 6}));
     EXPECT_EQ(mesh.polygonVertices, (std::vector<int>{0, 1, 2, 2, 1, 3}));
-    const bool isLeftOut = row.log[0] != 0;
-    EXPECT_EQ(mesh.uvs.empty(), isLeftOut);
-    EXPECT_NE(read->Log().find(isLeftOut ? row.log : ""), std::string::npos) << read->Log();
+    EXPECT_EQ(mesh.uvs.empty(), !row.fits);
+    EXPECT_EQ(read->Log().find("LayerElementUV that does not fit") == std::string::npos, row.fits) << read->Log();
   }
-  const auto read = ReadText(SceneText(MeshText(R"(Smoothness: 2
-    PreviewDivisionLevels: 1
-    RenderDivisionLevels: 3
-    LayerElementSmoothing: 0 { MappingInformationType: "ByEdge" ReferenceInformationType: "Direct"
-      Smoothing: *2 { a: 0,1 } }
-    LayerElementMaterial: 0 { MappingInformationType: "ByPolygon" ReferenceInformationType: "IndexToDirect"
-      Materials: *2 { a: 1,-1 } }
-    LayerElementColor: 0 { })"),
-                                       ""));
+  const auto read = ReadText(SceneText(
+      MeshText("Smoothness: 2\nPreviewDivisionLevels: 1\nRenderDivisionLevels: 3\nLayerElementColor: 0 { }\n" +
+               ElementText("Smoothing", "ByEdge", "Smoothing: *2 { a: 0,1 }") +
+               ElementText("Material", "ByPolygon", "Materials: *2 { a: 1,-1 }"))));
   const FbxMesh& mesh = *read->All<FbxMesh>()[0];
   EXPECT_EQ(mesh.smoothness, 2);
   EXPECT_EQ(mesh.previewLevels, 1);
@@ -277,57 +248,57 @@ const std::string kStackLinks = R"(
     C: "OP",23,22, "d|Y"
 )";
 
-std::string CurveText(const std::string& keys) {
-  return SceneText(kStack + "AnimationCurve: 23, \"AnimCurve::\", \"\" { " + keys + " }", kStackLinks);
+/// Flags and runs are lists of as many numbers, data of four times as many; without flags nothing is said of them.
+struct Keys {
+  std::string times, values, flags = "", data = "", runs = "";
+};
+std::string CurveText(const Keys& keys, const std::string& more = "") {
+  const auto array = [](const char* name, const std::string& numbers) {
+    const auto count = 1 + std::count(numbers.begin(), numbers.end(), ',');
+    return std::string(name) + ": *" + std::to_string(count) + " { a: " + numbers + " }\n";
+  };
+  std::string text = array("KeyTime", keys.times) + array("KeyValueFloat", keys.values);
+  if (!keys.flags.empty()) {
+    text +=
+        array("KeyAttrFlags", keys.flags) + array("KeyAttrDataFloat", keys.data) + array("KeyAttrRefCount", keys.runs);
+  }
+  return SceneText(kStack + "AnimationCurve: 23, \"AnimCurve::\", \"\" { " + text + " }", kStackLinks, more);
 }
 
-// One second is 46186158000 ticks; 4.5 is 1083179008 as a pattern of bits, 218434821 a third and a third.
-const char* const kThreeKeys = "KeyTime: *3 { a: 0,46186158000,92372316000 } KeyValueFloat: *3 { a: 0,1,4 } ";
+// One second is 46186158000 ticks: seconds 0, 1, 2 and 0, 1, 4.
+const char *const kEven = "0,46186158000,92372316000", *const kUneven = "0,46186158000,184744632000";
 
 TEST(FbxSceneReader, KeysOfCurves) {
   struct Row {
-    const char* name;
-    const char* attributes;
+    const char *name, *flags, *data, *runs;
     std::vector<KeyShape> shapes;
   };
+  constexpr Interpolation kCubic = Interpolation::Cubic;
   const float third = 1.0f / 3;
+  const KeyShape linear{Interpolation::Linear}, constant{Interpolation::Constant};
+  const KeyShape slopes{kCubic, 4.5f, -1, third, third}, weighted{kCubic, 0, 0, 2000 / 9999.0f, third};
+  // 4.5 is 1083179008 as a pattern of bits, 218434821 a third and a third.
   const Row rows[] = {
-      {"none said", "", {KeyShape{}}},
-      {"constant",
-       "KeyAttrFlags: *1 { a: 2 } KeyAttrDataFloat: *4 { a: 0,0,0,0 } KeyAttrRefCount: *1 { a: 3 }",
-       {{Interpolation::Constant}}},
-      {"constant next",
-       "KeyAttrFlags: *1 { a: 258 } KeyAttrDataFloat: *4 { a: 0,0,0,0 } KeyAttrRefCount: *1 { a: 3 }",
-       {{Interpolation::ConstantNext}}},
-      {"linear",
-       "KeyAttrFlags: *1 { a: 4 } KeyAttrDataFloat: *4 { a: 0,0,0,0 } KeyAttrRefCount: *1 { a: 3 }",
-       {{Interpolation::Linear}}},
-      {"slopes as patterns",
-       "KeyAttrFlags: *1 { a: 1032 } KeyAttrDataFloat: *4 { a: 1083179008,-1082130432,218434821,0 } "
-       "KeyAttrRefCount: *1 { a: 3 }",
-       {{Interpolation::Cubic, 4.5f, -1, third, third}}},
-      {"slopes as numbers",
-       "KeyAttrFlags: *1 { a: 1032 } KeyAttrDataFloat: *4 { a: 4.5,-1,0,0 } KeyAttrRefCount: *1 { a: 3 }",
-       {{Interpolation::Cubic, 4.5f, -1, third, third}}},
+      {"none said", "", "", "", {KeyShape{}}},
+      {"constant", "2", "0,0,0,0", "3", {constant}},
+      {"constant next", "258", "0,0,0,0", "3", {{Interpolation::ConstantNext}}},
+      {"linear", "4", "0,0,0,0", "3", {linear}},
+      {"slopes as patterns", "1032", "1083179008,-1082130432,218434821,0", "3", {slopes}},
+      {"slopes as numbers", "1032", "4.5,-1,0,0", "3", {slopes}},
       // 0.2 and 0.9: 1999.8 and 8999.1 of 9999, rounded to 2000 and 8999.
-      {"weights, right only in force",
-       "KeyAttrFlags: *1 { a: 16778248 } KeyAttrDataFloat: *4 { a: 0,0,589760464,0 } KeyAttrRefCount: *1 { a: 3 }",
-       {{Interpolation::Cubic, 0, 0, 2000 / 9999.0f, third}}},
-      {"runs",
-       "KeyAttrFlags: *2 { a: 4,2 } KeyAttrDataFloat: *8 { a: 0,0,0,0,0,0,0,0 } KeyAttrRefCount: *2 { a: 1,2 }",
-       {{Interpolation::Linear}, {Interpolation::Constant}, {Interpolation::Constant}}},
+      {"weights, right only in force", "16778248", "0,0,589760464,0", "3", {weighted}},
+      {"runs", "4,2", "0,0,0,0,0,0,0,0", "1,2", {linear, constant, constant}},
       // Flat ends; the middle key rises by 4 in 2 seconds from neighbour to neighbour, or by 1 and 3 evenly mixed.
-      {"automatic",
-       "KeyAttrFlags: *1 { a: 264 } KeyAttrDataFloat: *4 { a: 0,0,0,0 } KeyAttrRefCount: *1 { a: 3 }",
-       {{Interpolation::Cubic, 0, 2}, {Interpolation::Cubic, 2, 0}, {Interpolation::Cubic, 0, 0}}},
+      {"automatic", "264", "0,0,0,0", "3", {{kCubic, 0, 2}, {kCubic, 2, 0}, {kCubic, 0, 0}}},
       {"automatic beside a key with slopes",
-       "KeyAttrFlags: *3 { a: 1032,8456,1032 } KeyAttrDataFloat: *12 { a: 7.5,8,0,0, 0,3,0,0, 1,1,0,0 } "
-       "KeyAttrRefCount: *3 { a: 1,1,1 }",
-       {{Interpolation::Cubic, 7.5f, 2}, {Interpolation::Cubic, 2, 3}, {Interpolation::Cubic, 1, 1}}},
+       "1032,8456,1032",
+       "7.5,8,0,0, 0,3,0,0, 1,1,0,0",
+       "1,1,1",
+       {{kCubic, 7.5f, 2}, {kCubic, 2, 3}, {kCubic, 1, 1}}},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    const auto read = ReadText(CurveText(std::string(kThreeKeys) + row.attributes));
+    const auto read = ReadText(CurveText({kEven, "0,1,4", row.flags, row.data, row.runs}));
     ASSERT_TRUE(read->Error().empty()) << read->Error();
     const FbxAnimCurveNode& node = *read->All<FbxAnimCurveNode>()[0];
     EXPECT_EQ(node.target, read->Node("a"));
@@ -352,31 +323,24 @@ TEST(FbxSceneReader, KeysOfCurves) {
 
 TEST(FbxSceneReader, AutomaticTangents) {
   struct Row {
-    const char* name;
-    int flags;
-    const char *times, *values;
+    const char *name, *flags, *times, *values;
     float slope;
   };
-  // Seconds 0, 1, 2 and 0, 1, 4.
-  const char *const even = "0,46186158000,92372316000", *const uneven = "0,46186158000,184744632000";
   const Row rows[] = {
-      {"free", 0x2108, even, "0,9,10", 5},
-      {"flat beside an equal value", 0x3108, even, "0,10,10", 0},
-      {"clamped, no equal value", 0x3108, even, "0,9,10", 5},
+      {"free", "8456", kEven, "0,9,10", 5},
+      {"flat beside an equal value", "12552", kEven, "0,10,10", 0},
+      {"clamped, no equal value", "12552", kEven, "0,9,10", 5},
       // Three times the rise to the neighbour is the most that a cubic with weights of a third stands.
-      {"progressive", 0x6108, even, "0,9,10", 3},
-      {"progressive at a top", 0x6108, even, "0,9,2", 0},
-      {"progressive, falling", 0x6108, even, "10,1,0", -3},
-      {"whatever its time", 0x2108, uneven, "0,3,6", 1.5f},
+      {"progressive", "24840", kEven, "0,9,10", 3},
+      {"progressive at a top", "24840", kEven, "0,9,2", 0},
+      {"progressive, falling", "24840", kEven, "10,1,0", -3},
+      {"whatever its time", "8456", kUneven, "0,3,6", 1.5f},
       // Rises of 3 and 1 a second; the left one is three times as near.
-      {"by its time", 0x108, uneven, "0,3,6", 2.5f},
+      {"by its time", "264", kUneven, "0,3,6", 2.5f},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    const auto read =
-        ReadText(CurveText(std::string("KeyTime: *3 { a: ") + row.times + " } KeyValueFloat: *3 { a: " + row.values +
-                           " } KeyAttrFlags: *1 { a: " + std::to_string(row.flags) +
-                           " } KeyAttrDataFloat: *4 { a: 0,0,0,0 } KeyAttrRefCount: *1 { a: 3 }"));
+    const auto read = ReadText(CurveText({row.times, row.values, row.flags, "0,0,0,0", "3"}));
     ASSERT_TRUE(read->Error().empty()) << read->Error();
     const FbxAnimCurve& curve = read->All<FbxAnimCurveNode>()[0]->curves[1];
     EXPECT_NEAR(curve.shapes[1].rightSlope, row.slope, 1e-5);
@@ -385,23 +349,18 @@ TEST(FbxSceneReader, AutomaticTangents) {
 }
 
 TEST(FbxSceneReader, Ticks) {
-  struct Row {
-    const char* header;
-    int64_t second;  // ticks of the file that are one second
+  const std::pair<const char*, const char*> rows[] = {
+      // what the header tells, and the ticks of the file that are one second
+      {"1003 OtherFlags: { TCDefinition: 0 }", "46186158000"},
+      {"1004", "46186158000"},
+      {"1004 OtherFlags: { TCDefinition: 127 }", "46186158000"},
+      {"1004 OtherFlags: { TCDefinition: 0 }", "141120000"},
   };
-  const Row rows[] = {
-      {"FBXHeaderExtension: { FBXHeaderVersion: 1003 OtherFlags: { TCDefinition: 0 } }", 46186158000},
-      {"FBXHeaderExtension: { FBXHeaderVersion: 1004 }", 46186158000},
-      {"FBXHeaderExtension: { FBXHeaderVersion: 1004 OtherFlags: { TCDefinition: 127 } }", 46186158000},
-      {"FBXHeaderExtension: { FBXHeaderVersion: 1004 OtherFlags: { TCDefinition: 0 } }", 141120000},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.header);
-    const std::string one = std::to_string(row.second);
-    const auto read = ReadText(
-        SceneText(kStack + "AnimationCurve: 23, \"AnimCurve::\", \"\" { KeyTime: *2 { a: 0," + one +
-                      " } KeyValueFloat: *2 { a: 0,1 } }",
-                  kStackLinks, row.header + std::string("\nTakes: { Take: \"take\" { LocalTime: 0,") + one + " } }"));
+  for (const auto& [header, second] : rows) {
+    SCOPED_TRACE(header);
+    const auto read = ReadText(CurveText({std::string("0,") + second, "0,1"},
+                                         std::string("FBXHeaderExtension: { FBXHeaderVersion: ") + header +
+                                             " }\nTakes: { Take: \"take\" { LocalTime: 0," + second + " } }"));
     ASSERT_TRUE(read->Error().empty()) << read->Error();
     EXPECT_EQ(read->All<FbxAnimCurveNode>()[0]->curves[1].times[1], FbxTime::kTicksPerSecond);
     EXPECT_EQ(read->scene->Stacks()[0]->localStop.ticks, FbxTime::kTicksPerSecond);
@@ -414,42 +373,28 @@ struct ErrorRow {
   const char* error;
 };
 TEST(FbxSceneReader, Errors) {
+  const auto mesh = [](const std::string& inside) {
+    return SceneText("Geometry: 5, \"Geometry::bad\", \"Mesh\" { Vertices: " + inside + " }");
+  };
   const ErrorRow rows[] = {
-      {"polygon outside",
-       SceneText(R"(Geometry: 5, "Geometry::bad", "Mesh" { Vertices: *3 { a: 0,0,0 }
-        PolygonVertexIndex: *3 { a: 0,1,-1 } })",
-                 ""),
+      {"polygon outside", mesh("*3 { a: 0,0,0 }\nPolygonVertexIndex: *3 { a: 0,1,-1 }"),
        "Objects/Geometry \"bad\": a polygon points at point 1 of 1"},
-      {"open polygon",
-       SceneText(R"(Geometry: 5, "Geometry::bad", "Mesh" { Vertices: *3 { a: 0,0,0 }
-        PolygonVertexIndex: *3 { a: 0,0,0 } })",
-                 ""),
-       "the last polygon has no end"},
-      {"half a point", SceneText(R"(Geometry: 5, "Geometry::bad", "Mesh" { Vertices: *2 { a: 0,0 } })", ""),
-       "not whole points"},
-      {"values do not match times", CurveText("KeyTime: *2 { a: 0,1 } KeyValueFloat: *1 { a: 0 }"),
-       "a Lcl Translation: 2 key times but 1 values"},
-      {"runs lie",
-       CurveText("KeyTime: *2 { a: 0,1 } KeyValueFloat: *2 { a: 0,0 } KeyAttrFlags: *1 { a: 4 } "
-                 "KeyAttrDataFloat: *4 { a: 0,0,0,0 } KeyAttrRefCount: *1 { a: 2147483647 }"),
+      {"open polygon", mesh("*3 { a: 0,0,0 }\nPolygonVertexIndex: *3 { a: 0,0,0 }"), "the last polygon has no end"},
+      {"half a point", mesh("*2 { a: 0,0 }"), "not whole points"},
+      {"values do not match times", CurveText({"0,1", "0"}), "a Lcl Translation: 2 key times but 1 values"},
+      {"runs lie", CurveText({"0,1", "0,0", "4", "0,0,0,0", "2147483647"}),
        "the runs count 2147483647 keys, there are 2"},
-      {"runs below zero",
-       CurveText("KeyTime: *1 { a: 0 } KeyValueFloat: *1 { a: 0 } KeyAttrFlags: *2 { a: 4,4 } "
-                 "KeyAttrDataFloat: *8 { a: 0,0,0,0,0,0,0,0 } KeyAttrRefCount: *2 { a: 2,-1 }"),
-       "negative length"},
-      {"attributes lack",
-       CurveText("KeyTime: *1 { a: 0 } KeyValueFloat: *1 { a: 0 } KeyAttrFlags: *1 { a: 4 } "
-                 "KeyAttrDataFloat: *3 { a: 0,0,0 } KeyAttrRefCount: *1 { a: 1 }"),
-       "do not agree"},
+      {"runs below zero", CurveText({"0", "0", "4,4", "0,0,0,0,0,0,0,0", "2,-1"}), "negative length"},
+      {"attributes lack", CurveText({"0", "0", "4", "0,0,0", "1"}), "do not agree"},
       {"weights lack",
        SceneText(R"(Deformer: 6, "Deformer::s", "Skin" { }
         Deformer: 7, "SubDeformer::c", "Cluster" { Indexes: *2 { a: 0,1 } Weights: *1 { a: 1 } })",
-                 "C: \"OO\",7,6"),
+                 Links({{7, 6}})),
        "Objects/Deformer \"c\": 2 indices but 1 weights"},
       {"offsets lack",
        SceneText(R"(Deformer: 6, "SubDeformer::c", "BlendShapeChannel" { }
         Geometry: 7, "Geometry::smile", "Shape" { Indexes: *2 { a: 0,1 } Vertices: *3 { a: 0,0,0 } })",
-                 "C: \"OO\",7,6"),
+                 Links({{7, 6}})),
        "\"smile\": 2 indices but 3 numbers"},
   };
   for (const ErrorRow& row : rows) {
@@ -463,36 +408,33 @@ TEST(FbxSceneReader, Errors) {
 TEST(FbxSceneReader, WhatIsLoggedAndLeftOut) {
   const std::string nodes = "Model: 1, \"Model::a\", \"Null\" { }\nModel: 2, \"Model::b\", \"Null\" { }\n";
   const ErrorRow rows[] = {
-      {"unknown kind", SceneText("Constraint: 9, \"Constraint::aim\", \"\" { }", ""),
+      {"unknown kind", SceneText("Constraint: 9, \"Constraint::aim\", \"\" { }"),
        "Objects of kind Constraint are left out: aim"},
-      {"unknown attribute", SceneText("NodeAttribute: 9, \"NodeAttribute::lod\", \"LodGroup\" { }", ""),
+      {"unknown attribute", SceneText("NodeAttribute: 9, \"NodeAttribute::lod\", \"LodGroup\" { }"),
        "Nodes of kind LodGroup come in as plain nodes: lod"},
-      {"same number", SceneText(nodes + "Model: 1, \"Model::again\", \"Null\" { }", ""), "the same number"},
-      {"no such object", SceneText(nodes, "C: \"OO\",1,77"), "not in the file: 77"},
-      {"no parent", SceneText(nodes, "C: \"OO\",1,0"), "put under the root: b"},
-      {"two parents", SceneText(nodes, "C: \"OO\",1,0\nC: \"OO\",2,1\nC: \"OO\",2,0"), "stays with the first: b"},
-      {"odd links", SceneText(nodes + "Material: 3, \"Material::m\", \"\" { }", "C: \"OO\",1,3"),
+      {"same number", SceneText(nodes + "Model: 1, \"Model::again\", \"Null\" { }"), "the same number"},
+      {"no such object", SceneText(nodes, Links({{1, 77}})), "not in the file: 77"},
+      {"no parent", SceneText(nodes, Links({{1, 0}})), "put under the root: b"},
+      {"two parents", SceneText(nodes, Links({{1, 0}, {2, 1}, {2, 0}})), "stays with the first: b"},
+      {"odd links", SceneText(nodes + "Material: 3, \"Material::m\", \"\" { }", Links({{1, 3}})),
        "no meaning here are left out: a to m"},
       {"links of another kind", SceneText(nodes, "C: \"PP\",1,2"), "Links from properties"},
       {"two attributes",
        SceneText(nodes + R"(NodeAttribute: 3, "NodeAttribute::x", "Null" { }
         NodeAttribute: 4, "NodeAttribute::y", "Null" { })",
-                 "C: \"OO\",3,1\nC: \"OO\",4,1\nC: \"OO\",3,1"),
+                 Links({{3, 1}, {4, 1}, {3, 1}})),
        "Only the first attribute of a node is read: a\n"},
-      {"dual quaternions", SceneText("Deformer: 6, \"Deformer::s\", \"Skin\" { SkinningType: \"DualQuaternion\" }", ""),
+      {"dual quaternions", SceneText("Deformer: 6, \"Deformer::s\", \"Skin\" { SkinningType: \"DualQuaternion\" }"),
        "Skinning of type DualQuaternion is read as linear: s"},
-      {"falling keys", CurveText("KeyTime: *3 { a: 5,4,6 } KeyValueFloat: *3 { a: 0,0,0 }"),
-       "out of the order of time were left out: a Lcl Translation"},
-      {"values that are no numbers", CurveText("KeyTime: *1 { a: 5 } KeyValueFloat: *1 { a: nan }"),
-       "no numbers were set to 0"},
-      {"unit",
-       SceneText("", "", "GlobalSettings: { Properties70: { P: \"UnitScaleFactor\", \"double\", \"\", \"\",-1 } }"),
+      {"falling keys", CurveText({"5,4,6", "0,0,0"}), "out of the order of time were left out: a Lcl Translation"},
+      {"values that are no numbers", CurveText({"5", "nan"}), "no numbers were set to 0"},
+      {"unit", SceneText("", "", "GlobalSettings: {" + Properties({{"UnitScaleFactor", "-1"}}) + "}"),
        "The unit is no length"},
-      {"picture inside", SceneText("Video: 3, \"Video::v\", \"Clip\" { Content: \"abc\" }", ""), "Pictures inside"},
+      {"picture inside", SceneText("Video: 3, \"Video::v\", \"Clip\" { Content: \"abc\" }"), "Pictures inside"},
       {"weights outside",
-       SceneText(MeshText("") + R"(Deformer: 6, "Deformer::s", "Skin" { }
+       SceneText(MeshText() + R"(Deformer: 6, "Deformer::s", "Skin" { }
         Deformer: 7, "SubDeformer::c", "Cluster" { Indexes: *2 { a: 4,1 } Weights: *2 { a: 1,0.5 } })",
-                 "C: \"OO\",7,6\nC: \"OO\",6,5"),
+                 Links({{7, 6}, {6, 5}})),
        "points that the mesh does not have were left out: c"},
   };
   for (const ErrorRow& row : rows) {
@@ -507,14 +449,18 @@ TEST(FbxSceneReader, WhatIsLoggedAndLeftOut) {
   EXPECT_EQ(cluster.weights, std::vector<double>{0.5});
 }
 
+/// Nodes 1 to `count`, "n1" and so on.
+std::string NodesText(int count) {
+  std::string text;
+  for (int i = 1; i <= count; ++i) {
+    text += "Model: " + std::to_string(i) + ", \"Model::n" + std::to_string(i) + "\", \"LimbNode\" { }\n";
+  }
+  return text;
+}
+
 TEST(FbxSceneReader, LoopsOfNodesAreCut) {
   // 1 to 3 in a circle, 4 below them, 5 its own parent.
-  std::string objects;
-  for (int i = 1; i <= 5; ++i) {
-    objects += "Model: " + std::to_string(i) + ", \"Model::n" + std::to_string(i) + "\", \"Null\" { }\n";
-  }
-  const auto read =
-      ReadText(SceneText(objects, "C: \"OO\",4,2\nC: \"OO\",1,2\nC: \"OO\",2,3\nC: \"OO\",3,1\nC: \"OO\",5,5\n"));
+  const auto read = ReadText(SceneText(NodesText(5), Links({{4, 2}, {1, 2}, {2, 3}, {3, 1}, {5, 5}})));
   ASSERT_TRUE(read->Error().empty());
   EXPECT_NE(read->Log().find("their own ancestors"), std::string::npos);
   int topNodes = 0;
@@ -531,41 +477,35 @@ TEST(FbxSceneReader, LoopsOfNodesAreCut) {
 // over and over.
 TEST(FbxSceneReader, WorkGrowsWithTheFile) {
   constexpr int kCount = 30000;
-  std::string objects, wide, deep, repeated;
+  const std::string objects = NodesText(kCount);
+  std::string wide, deep, repeated;
   for (int i = 1; i <= kCount; ++i) {
-    const std::string id = std::to_string(i);
-    objects += "Model: " + id + ", \"Model::n\", \"LimbNode\" { }\n";
-    wide += "C: \"OO\"," + id + ",1\n";
-    deep += "C: \"OO\"," + std::to_string(kCount + 1 - i) + "," + std::to_string(kCount - i) + "\n";
-    repeated += "C: \"OO\",2,1\nC: \"OO\",1,2\n";
+    wide += Links({{i, 1}});
+    deep += Links({{kCount + 1 - i, kCount - i}});
+    repeated += Links({{2, 1}, {1, 2}});
   }
   const auto one = ReadText(SceneText(objects, wide));
   EXPECT_EQ(one->scene->Nodes()[0]->GetChildCount(), kCount - 1);
   const auto two = ReadText(SceneText(objects, deep));
   EXPECT_EQ(two->scene->GetRootNode()->GetChildCount(), 1);
-  EXPECT_EQ(SceneEvaluator(*two->scene, nullptr).World(two->scene->Nodes().back(), {}), Affine());
+  for (FbxNode* node : two->scene->Nodes()) node->transform.translation = {1, 0, 0};
+  EXPECT_EQ(SceneEvaluator(*two->scene, nullptr).World(two->scene->Nodes().back(), {}), Translation({kCount, 0, 0}));
   const auto three = ReadText(SceneText(objects, repeated));
   EXPECT_EQ(three->scene->GetRootNode()->GetChildCount(), kCount - 1);
 }
 
 TEST(FbxSceneReader, SurfacesAndTextures) {
-  const auto read = ReadText(SceneText(R"(
-    Model: 1, "Model::a", "Mesh" { }
-    Material: 2, "Material::skin", "" { ShadingModel: "lambert" Properties70: {
-      P: "DiffuseColor", "Color", "", "A",0.25,0.5,1
-      P: "TransparencyFactor", "Number", "", "A",0.5 } }
-    Texture: 3, "Texture::t", "" { FileName: "C:\x\t.png" RelativeFilename: "t.png"
-      Properties70: { P: "UVSet", "KString", "", "", "Lightmap" } }
+  const auto read = ReadText(SceneText(
+      R"(Model: 1, "Model::a", "Mesh" { }
+    Material: 2, "Material::skin", "" { ShadingModel: "lambert" )" +
+          Properties({{"DiffuseColor", "0.25,0.5,1"}, {"TransparencyFactor", "0.5"}}) + R"(}
+    Texture: 3, "Texture::t", "" { FileName: "C:\x\t.png" RelativeFilename: "t.png" )" +
+          Properties({{"UVSet", "\"Lightmap\""}}) + R"(}
     Texture: 4, "Texture::u", "" { }
     LayeredTexture: 5, "LayeredTexture::l", "" { })",
-                                       R"(C: "OO",1,0
-    C: "OO",2,1
-    C: "OP",3,2, "DiffuseColor"
-    C: "OP",5,2, "Bump"
-    C: "OO",4,5
-    C: "OO",3,5)",
-                                       R"(Definitions: { ObjectType: "Material" { PropertyTemplate: "FbxSurfacePhong" {
-      Properties70: { P: "SpecularFactor", "Number", "", "A",0.75 } } } })"));
+      Links({{1, 0}, {2, 1}, {4, 5}, {3, 5}}) + "C: \"OP\",3,2, \"DiffuseColor\"\nC: \"OP\",5,2, \"Bump\"",
+      R"(Definitions: { ObjectType: "Material" { PropertyTemplate: "FbxSurfacePhong" {)" +
+          Properties({{"SpecularFactor", "0.75"}}) + "} } }"));
   ASSERT_TRUE(read->Error().empty()) << read->Error();
   const FbxSurfaceMaterial& material = *read->Node("a")->materials.at(0);
   EXPECT_EQ(material.shadingModel, "Lambert");
@@ -584,26 +524,24 @@ TEST(FbxSceneReader, SurfacesAndTextures) {
 
 TEST(FbxSceneReader, Switches) {
   struct Row {
-    std::vector<const char*> off;
+    std::vector<std::string> off;
     size_t meshes, skins, channels, materials, stacks;
   };
-  const char* const animation = "Import|AdvOptGrp|FileFormat|Fbx|Animation";
-  const char* const material = "Import|AdvOptGrp|FileFormat|Fbx|Material";
-  const char* const shape = "Import|AdvOptGrp|FileFormat|Fbx|Shape";
-  const char* const deformation = "Import|IncludeGrp|Animation|Deformation";
-  const char* const skins = "Import|IncludeGrp|Animation|Deformation|Skins";
+  const std::string format = "Import|AdvOptGrp|FileFormat|Fbx|",
+                    deformation = "Import|IncludeGrp|Animation|Deformation";
+  const std::string skins = deformation + "|Skins";
   const Row rows[] = {
       {{}, 1, 1, 3, 2, 1},
-      {{animation}, 1, 1, 3, 2, 0},
-      {{material}, 1, 1, 3, 0, 1},
-      {{shape}, 1, 1, 0, 2, 1},
+      {{format + "Animation"}, 1, 1, 3, 2, 0},
+      {{format + "Material"}, 1, 1, 3, 0, 1},
+      {{format + "Shape"}, 1, 1, 0, 2, 1},
       {{skins}, 1, 0, 3, 2, 1},
       {{deformation}, 1, 0, 0, 2, 1},
-      {{material, deformation, skins}, 0, 0, 0, 0, 1},
+      {{format + "Material", deformation, skins}, 0, 0, 0, 0, 1},
   };
   for (const Row& row : rows) {
     Imported read;
-    for (const char* path : row.off) read.manager->GetIOSettings().SetBoolProp(path, false);
+    for (const std::string& path : row.off) read.manager->GetIOSettings().SetBoolProp(path, false);
     ASSERT_TRUE(read.importer->Initialize(DataFile("character_skinned.fbx")) && read.importer->Import(*read.scene));
     EXPECT_EQ(read.All<FbxMesh>().size(), row.meshes);
     EXPECT_EQ(read.All<FbxSkin>().size(), row.skins);

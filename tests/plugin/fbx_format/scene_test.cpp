@@ -31,61 +31,35 @@ TEST(FbxNode, Children) {
 
 // Nothing that is left knows what went.
 TEST(FbxObject, DestroyTakesEveryLinkOut) {
-  const auto scene = FbxScene::Create("s");
-  FbxNode* parent = FbxNode::Create(*scene, "parent");
-  FbxNode* node = FbxNode::Create(*scene, "node");
-  FbxNode* child = FbxNode::Create(*scene, "child");
-  ASSERT_TRUE(parent->AddChild(node) && node->AddChild(child));
-  FbxMesh* mesh = FbxMesh::Create(*scene, "mesh");
-  EXPECT_EQ(parent->SetNodeAttribute(mesh), nullptr);
-  EXPECT_EQ(parent->SetNodeAttribute(mesh), mesh);
-  FbxSurfaceMaterial* material = FbxSurfaceMaterial::Create(*scene, "material");
-  FbxTexture* texture = FbxTexture::Create(*scene, "texture");
-  material->textures.push_back({"DiffuseColor", texture});
-  parent->materials = {material, material};
-  FbxSkin* skin = FbxSkin::Create(*scene, "skin");
-  skin->clusters.resize(1);
-  skin->clusters[0].link = node;
-  mesh->skins = {skin};
-  FbxBlendShape* blend = FbxBlendShape::Create(*scene, "blend");
-  FbxBlendShapeChannel* channel = FbxBlendShapeChannel::Create(*scene, "channel");
-  blend->channels = {channel};
-  mesh->blendShapes = {blend};
-  FbxPose* pose = FbxPose::Create(*scene, "pose");
-  pose->entries = {{node, {}}, {parent, {}}};
-  FbxAnimStack* stack = FbxAnimStack::Create(*scene, "stack");
-  FbxAnimLayer* layer = FbxAnimLayer::Create(*scene, "layer");
-  FbxAnimCurveNode* curves = FbxAnimCurveNode::Create(*scene, "T");
-  stack->layers = {layer};
-  layer->curveNodes = {curves};
-  curves->target = node;
+  SmallScene s;
+  EXPECT_EQ(s.node->SetNodeAttribute(s.mesh), s.mesh);
 
-  node->Destroy();
-  EXPECT_EQ(child->GetParent(), parent);
-  EXPECT_EQ(parent->GetChildCount(), 1);
-  EXPECT_EQ(skin->clusters[0].link, nullptr);
-  EXPECT_EQ(pose->entries.size(), 1u);
-  EXPECT_EQ(curves->target, nullptr);
-  EXPECT_EQ(scene->Nodes(), (std::vector<FbxNode*>{parent, child}));
-  texture->Destroy();
-  EXPECT_TRUE(material->textures.empty());
-  material->Destroy();
-  EXPECT_TRUE(parent->materials.empty() && scene->Materials().empty());
-  skin->Destroy();
-  channel->Destroy();
-  EXPECT_TRUE(mesh->skins.empty() && blend->channels.empty());
-  blend->Destroy();
-  EXPECT_TRUE(mesh->blendShapes.empty());
-  mesh->Destroy();
-  EXPECT_EQ(parent->GetNodeAttribute(), nullptr);
-  curves->Destroy();
-  EXPECT_TRUE(layer->curveNodes.empty());
-  layer->Destroy();
-  EXPECT_TRUE(stack->layers.empty());
-  stack->Destroy();
-  pose->Destroy();
-  EXPECT_TRUE(scene->Stacks().empty() && scene->Poses().empty());
-  EXPECT_EQ(scene->Objects().size(), 2u);
+  s.bone->Destroy();
+  EXPECT_EQ(s.tip->GetParent(), s.node);
+  EXPECT_EQ(s.node->GetChildCount(), 1);
+  EXPECT_EQ(s.skin->clusters[0].link, nullptr);
+  EXPECT_EQ(s.pose->entries.size(), 1u);
+  EXPECT_EQ(s.curves->target, nullptr);
+  EXPECT_EQ(s.scene->Nodes(), (std::vector<FbxNode*>{s.node, s.tip}));
+  s.texture->Destroy();
+  EXPECT_TRUE(s.material->textures.empty());
+  s.material->Destroy();
+  EXPECT_TRUE(s.node->materials.empty() && s.scene->Materials().empty());
+  s.skin->Destroy();
+  s.channel->Destroy();
+  EXPECT_TRUE(s.mesh->skins.empty() && s.blend->channels.empty());
+  s.blend->Destroy();
+  EXPECT_TRUE(s.mesh->blendShapes.empty());
+  s.mesh->Destroy();
+  EXPECT_EQ(s.node->GetNodeAttribute(), nullptr);
+  s.curves->Destroy();
+  EXPECT_TRUE(s.layer->curveNodes.empty());
+  s.layer->Destroy();
+  EXPECT_TRUE(s.stack->layers.empty());
+  s.stack->Destroy();
+  s.pose->Destroy();
+  EXPECT_TRUE(s.scene->Stacks().empty() && s.scene->Poses().empty());
+  EXPECT_EQ(s.scene->Objects().size(), 2u);
 }
 
 TEST(FbxScene, CurrentStack) {
@@ -133,81 +107,65 @@ TEST(FbxAxisSystem, Conversions) {
 
 // Every world point of a scene lands where axes and unit take it, at every time, and binds go along.
 TEST(FbxScene, ConvertedScenesMoveEveryPointAlike) {
-  const char* const kFiles[] = {"mixamo_walk.fbx", "character_skinned.fbx"};
-  for (const char* file : kFiles) {
+  const FbxSystemUnit metres{100, 1};
+  const auto moved = [](const Vector3& p) { return Vector3{p.x, -p.z, p.y} * 0.01; };
+  for (const char* file : {"mixamo_walk.fbx", "character_skinned.fbx"}) {
     SCOPED_TRACE(file);
-    Imported before, after;
-    for (Imported* read : {&before, &after}) {
-      ASSERT_TRUE(read->importer->Initialize(DataFile(file)) && read->importer->Import(*read->scene)) << read->Error();
-    }
-    const FbxSystemUnit metres{100, 1};
-    ASSERT_TRUE(FbxAxisSystem::ZUp().ConvertScene(*after.scene));
-    ASSERT_TRUE(metres.ConvertScene(*after.scene));
-    EXPECT_EQ(after.scene->GetGlobalSettings().GetAxisSystem(), FbxAxisSystem::ZUp());
-    EXPECT_EQ(after.scene->GetGlobalSettings().GetSystemUnit(), metres);
-    const auto moved = [](const Vector3& p) { return Vector3{p.x, -p.z, p.y} * 0.01; };
-    SceneEvaluator one(*before.scene, before.scene->CurrentStack()), other(*after.scene, after.scene->CurrentStack());
-    for (size_t i = 0; i < before.scene->Nodes().size(); ++i) {
+    const auto before = ReadFile(file), after = ReadFile(file);
+    ASSERT_TRUE(FbxAxisSystem::ZUp().ConvertScene(*after->scene) && metres.ConvertScene(*after->scene));
+    EXPECT_EQ(after->scene->GetGlobalSettings().GetAxisSystem(), FbxAxisSystem::ZUp());
+    EXPECT_EQ(after->scene->GetGlobalSettings().GetSystemUnit(), metres);
+    SceneEvaluator one(*before->scene, before->scene->CurrentStack());
+    SceneEvaluator other(*after->scene, after->scene->CurrentStack());
+    for (size_t i = 0; i < before->scene->Nodes().size(); ++i) {
       for (const double t : {0.0, 0.41, 1.7}) {
-        const Affine was = one.World(before.scene->Nodes()[i], Seconds(t));
-        const Affine is = other.World(after.scene->Nodes()[i], Seconds(t));
+        const Affine was = one.World(before->scene->Nodes()[i], Seconds(t));
+        const Affine is = other.World(after->scene->Nodes()[i], Seconds(t));
         // Curves are floats: about 7 digits of some 2 metres.
         ExpectNear(is.row[3], moved(was.row[3]), 1e-6);
         ExpectNear(Vector3{0.1, 0.2, 0.3} * is, moved(Vector3{10, 20, 30} * was), 1e-6);
       }
     }
-    const auto skinsBefore = before.All<FbxSkin>(), skinsAfter = after.All<FbxSkin>();
-    for (size_t i = 0; i < skinsBefore.size(); ++i) {
-      for (size_t k = 0; k < skinsBefore[i]->clusters.size(); ++k) {
-        const FbxCluster &was = skinsBefore[i]->clusters[k], &is = skinsAfter[i]->clusters[k];
-        ExpectNear(is.transformLink.row[3], moved(was.transformLink.row[3]), 1e-9);
-        // Mesh to world at bind.
-        ExpectNear((is.transform * is.transformLink).row[3], moved((was.transform * was.transformLink).row[3]), 1e-9);
-      }
+    const FbxMesh &meshBefore = *before->All<FbxMesh>().at(0), &meshAfter = *after->All<FbxMesh>().at(0);
+    ExpectNear(meshAfter.controlPoints[7], meshBefore.controlPoints[7] * 0.01);
+    for (size_t k = 0; k < meshBefore.skins.at(0)->clusters.size(); ++k) {
+      const FbxCluster &was = meshBefore.skins[0]->clusters[k], &is = meshAfter.skins[0]->clusters[k];
+      ExpectNear(is.transformLink.row[3], moved(was.transformLink.row[3]), 1e-9);
+      // Mesh to world at bind.
+      ExpectNear((is.transform * is.transformLink).row[3], moved((was.transform * was.transformLink).row[3]), 1e-9);
     }
-    const auto posesBefore = before.scene->Poses(), posesAfter = after.scene->Poses();
-    for (size_t i = 0; i < posesBefore.size(); ++i) {
-      for (size_t k = 0; k < posesBefore[i]->entries.size(); ++k) {
-        ExpectNear(posesAfter[i]->entries[k].matrix.row[3], moved(posesBefore[i]->entries[k].matrix.row[3]), 1e-9);
-      }
-    }
-    for (size_t i = 0; i < before.All<FbxMesh>().size(); ++i) {
-      ExpectNear(after.All<FbxMesh>()[i]->controlPoints[7], before.All<FbxMesh>()[i]->controlPoints[7] * 0.01);
+    for (size_t i = 0; i < before->scene->Poses().size(); ++i) {
+      const auto &was = before->scene->Poses()[i]->entries, &is = after->scene->Poses()[i]->entries;
+      for (size_t k = 0; k < was.size(); ++k) ExpectNear(is[k].matrix.row[3], moved(was[k].matrix.row[3]), 1e-9);
     }
   }
 }
 
 TEST(FbxSystemUnit, PivotsSlopesAndShapes) {
-  const auto scene = FbxScene::Create("s");
-  FbxNode* node = FbxNode::Create(*scene, "n");
-  NodeTransform& t = node->transform;
+  SmallScene s;
+  NodeTransform& t = s.node->transform;
   t.rotationOffset = t.rotationPivot = t.scalingOffset = t.scalingPivot = t.geometricTranslation = {1, 2, 3};
   t.preRotation = {10, 20, 30};
-  FbxAnimCurveNode* move = FbxAnimCurveNode::Create(*scene, "T");
-  move->property = "Lcl Translation";
-  move->curves[0].times = {0};
-  move->curves[0].values = {4};
-  move->curves[0].shapes = {{Interpolation::Cubic, 5, 6}};
-  FbxAnimCurveNode* turn = FbxAnimCurveNode::Create(*scene, "R");
+  s.curves->curves[0] = {{0}, {4}, {{Interpolation::Cubic, 5, 6}}};
+  FbxAnimCurveNode* turn = FbxAnimCurveNode::Create(*s.scene, "R");
   turn->property = "Lcl Rotation";
-  turn->curves = move->curves;
-  FbxBlendShapeChannel* channel = FbxBlendShapeChannel::Create(*scene, "c");
-  channel->shapes = {{"s", {0}, {{1, 1, 1}}, {{0, 0, 1}}}};
+  turn->curves = s.curves->curves;
+  s.channel->shapes = {{"s", {0}, {{1, 1, 1}}, {{0, 0, 1}}}};
   const FbxSystemUnit inches{2.5, 1}, none{0, 1}, broken{NAN, 1};
-  EXPECT_FALSE(none.ConvertScene(*scene));
-  EXPECT_FALSE(broken.ConvertScene(*scene));
-  ASSERT_TRUE(inches.ConvertScene(*scene));
+  EXPECT_FALSE(none.ConvertScene(*s.scene));
+  EXPECT_FALSE(broken.ConvertScene(*s.scene));
+  ASSERT_TRUE(inches.ConvertScene(*s.scene));
   for (const Vector3& v :
        {t.rotationOffset, t.rotationPivot, t.scalingOffset, t.scalingPivot, t.geometricTranslation}) {
     ExpectNear(v, {0.4, 0.8, 1.2});
   }
   ExpectNear(t.preRotation, {10, 20, 30});
-  EXPECT_FLOAT_EQ(move->curves[0].values[0], 1.6f);
-  EXPECT_FLOAT_EQ(move->curves[0].shapes[0].rightSlope, 2);
-  EXPECT_FLOAT_EQ(move->curves[0].shapes[0].nextLeftSlope, 2.4f);
+  EXPECT_FLOAT_EQ(s.curves->curves[0].values[0], 1.6f);
+  EXPECT_FLOAT_EQ(s.curves->curves[0].shapes[0].rightSlope, 2);
+  EXPECT_FLOAT_EQ(s.curves->curves[0].shapes[0].nextLeftSlope, 2.4f);
   EXPECT_FLOAT_EQ(turn->curves[0].values[0], 4);
-  ExpectNear(channel->shapes[0].offsets[0], {0.4, 0.4, 0.4});
-  ExpectNear(channel->shapes[0].normals[0], {0, 0, 1});
+  ExpectNear(s.channel->shapes[0].offsets[0], {0.4, 0.4, 0.4});
+  ExpectNear(s.channel->shapes[0].normals[0], {0, 0, 1});
 }
 
 }  // namespace

@@ -57,6 +57,8 @@ void ObjectIndex::Walk(ReferenceTarget* from) {
     open_.pop_back();
     // Nodes and layers of the scene are numbered already; others belong to another scene or to undo.
     if (target->AsNode() || IsLayer(*target) || numbers_.contains(target)) continue;
+    // A block whose owner is gone says nothing: what its values are is the owner's class. Who holds it finds nothing.
+    if (const ParamBlock2* block = AsBlock(*target); block && !block->GetOwner()) continue;
     Add(target);
     objects_.push_back(target);
     Push(target);

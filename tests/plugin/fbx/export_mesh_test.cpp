@@ -449,6 +449,8 @@ TEST_F(ExportMesh, MaterialsByParameterNames) {
   const auto set = [](PhysicalMaterial* m, ParamID id, auto value) { m->GetParamBlock()->SetValue(id, 0, value); };
   set(red, PhysicalMaterial::kBaseColor, Colour{1, 0, 0});
   set(red, PhysicalMaterial::kTransparency, 0.25f);
+  set(red, PhysicalMaterial::kRoughness, 0.5f);
+  set(red, PhysicalMaterial::kMetalness, 1.0f);
   const auto picture = [](const wchar_t* file, int channel) {
     auto* map = new BitmapMap;
     map->GetParamBlock()->SetValue(BitmapMap::kFileName, 0, file);
@@ -493,6 +495,8 @@ TEST_F(ExportMesh, MaterialsByParameterNames) {
   EXPECT_EQ(first.GetName(), "red");
   EXPECT_EQ(first.diffuse, (Vector3{1, 0, 0}));
   EXPECT_EQ(first.transparencyFactor, 0.25);
+  EXPECT_DOUBLE_EQ(first.shininess, 6) << "2 / 0.5 ^ 2 - 2";
+  EXPECT_TRUE(HasLogged(L"'red' is metallic"));
   struct Row {
     const char *property, *file, *relative, *uvSet;
   };

@@ -94,6 +94,8 @@ class MaterialExporter {
     out->diffuse = params.ColourOf(L"base_color", out->diffuse);
     out->transparencyFactor = params.Number(L"transparency", 0);
     if (params.Has(L"roughness")) out->shininess = ShininessOf(params.Number(L"roughness", 0));
+    if (params.Number(L"metalness", 0) > 0)
+      job_.Log(L"Material '" + material->GetName() + L"' is metallic, which the file cannot say; it is left out.");
     if (params.Has(L"emit_color")) {
       out->emissive = params.ColourOf(L"emit_color", {});
       out->emissiveFactor = params.Number(L"emission", 1);
